@@ -1,0 +1,10 @@
+# One cache option selects a sanitizer build for every target of the project.
+if(TAVCLIENT_SANITIZER STREQUAL "address")
+  add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  add_link_options(-fsanitize=address,undefined)
+elseif(TAVCLIENT_SANITIZER STREQUAL "thread")
+  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=thread)
+elseif(NOT TAVCLIENT_SANITIZER STREQUAL "")
+  message(FATAL_ERROR "TAVCLIENT_SANITIZER must be empty, 'address' or 'thread'")
+endif()
