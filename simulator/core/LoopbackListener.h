@@ -1,0 +1,44 @@
+#ifndef TAVSIM_CORE_LOOPBACKLISTENER_H
+#define TAVSIM_CORE_LOOPBACKLISTENER_H
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+
+#include "core/Connection.h"
+#include "core/UniqueFd.h"
+
+namespace tavsim {
+
+// A TCP listener on 127.0.0.1 with a port chosen by the system. Throws std::system_error
+// when the socket cannot be set up.
+class LoopbackListener {
+public:
+  LoopbackListener();
+
+  std::uint16_t Port() const { return port_; }
+  int NativeHandle() const { return socket_.Get(); }
+
+  // The next client to connect, or nothing when none came within `timeout`.
+  std::optional<Connection> Accept(std::chrono::milliseconds timeout);
+
+private:
+  UniqueFd socket_;
+  std::uint16_t port_ = 0;
+};
+
+// A loopback port with a bound socket that does not listen: connecting to it is refused, and
+// no other socket can take the port while this object lives.
+class RefusingPort {
+public:
+  RefusingPort();
+  std::uint16_t Port() const { return port_; }
+
+private:
+  UniqueFd socket_;
+  std::uint16_t port_ = 0;
+};
+
+}  // namespace tavsim
+
+#endif
