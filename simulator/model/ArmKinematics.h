@@ -1,0 +1,58 @@
+#ifndef TAVSIM_MODEL_ARMKINEMATICS_H
+#define TAVSIM_MODEL_ARMKINEMATICS_H
+
+#include <array>
+#include <optional>
+#include <vector>
+
+#include "model/Geometry.h"
+
+namespace tavsim {
+
+// One link in standard Denavit-Hartenberg form: T = Rz(theta) Tz(d) Tx(a) Rx(alpha).
+struct DhLink {
+  double a;      // metres
+  double alpha;  // radians
+  double d;      // metres
+};
+
+// Kinematics of a six-axis arm with the UR geometry: joints 2, 3 and 4 parallel, a1 = a4 =
+// a5 = a6 = 0 and d2 = d3 = 0. Joint values here are radians; the controller speaks degrees.
+class ArmKinematics {
+public:
+  static constexpr std::size_t kJoints = 6;
+  using Joints = std::array<double, kJoints>;
+  using Links = std::array<DhLink, kJoints>;
+
+  explicit ArmKinematics(const Links& links);
+  // The UR5's published standard DH parameters.
+  static ArmKinematics ur5();
+
+  const Links& links() const { return links_; }
+  Transform forward(const Joints& joints) const;
+  // Base frame, then the frame after each joint: frames[i] = T01 * ... * T(i-1)i.
+  std::array<Transform, kJoints + 1> frames(const Joints& joints) const;
+
+  // Every closed-form branch (up to eight: shoulder, wrist and elbow each two ways) that
+  // reproduces the target, each joint wrapped into (-pi, pi]. When the wrist is singular
+  // (joint 5 at 0 or pi) joint 6 takes `wristHint` and joint 4 absorbs the rest.
+  std::vector<Joints> solutions(const Transform& target, double wristHint = 0.0) const;
+
+  // The branch closest to `current` (Euclidean in joint space), each joint shifted by whole
+  // turns to the copy nearest to `current` within +-jointLimit; empty when unreachable.
+  std::optional<Joints> nearestSolution(const Transform& target, const Joints& current,
+                                        double jointLimit) const;
+
+private:
+  Transform linkTransform(std::size_t index, double theta) const;
+
+  Links links_;
+};
+
+// Joint vectors as the controller keeps them (degrees, at least six values) and back.
+ArmKinematics::Joints jointsFromDegrees(const std::vector<double>& degrees);
+std::vector<double> jointsToDegrees(const ArmKinematics::Joints& radians);
+
+}  // namespace tavsim
+
+#endif
