@@ -1,0 +1,160 @@
+#ifndef TAVSIM_MODEL_SIMULATEDCONTROLLER_H
+#define TAVSIM_MODEL_SIMULATEDCONTROLLER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/Arm.h"
+#include "model/ArmKinematics.h"
+#include "model/Clock.h"
+#include "model/ControllerState.h"
+#include "model/CurrentModel.h"
+#include "model/IoPanel.h"
+#include "model/MotionPlanner.h"
+#include "model/ParamReader.h"
+
+namespace tavsim {
+
+struct ControllerOptions {
+  // Motors 1..6 are the arm's joints; further motors are auxiliary axes outside the
+  // kinematic chain. With fewer than six the pose commands answer kUnknownMotor.
+  std::size_t motorCount = 6;
+  std::size_t outputCount = 8;
+  // Start positions in degrees, one per motor (missing ones start at 0): a bent, non-singular
+  // arm with the tool pointing down.
+  std::vector<double> initialAngles{0.0, -90.0, 90.0, -90.0, -90.0, 0.0};
+};
+
+// The content of a command reply: "state" text and "result1" text (empty: no result child).
+// A pending reply carries a ticket; its content comes later from poll().
+struct Reply {
+  std::string state;
+  std::string result1;
+  std::uint64_t ticket = 0;
+
+  bool pending() const { return ticket != 0; }
+};
+
+struct Completion {
+  std::uint64_t ticket;
+  Reply reply;
+};
+
+// One simulated arm behind the controller's command set. Takes one decoded command (wire
+// function name and parameter texts as the client sends them) and answers it. Every public
+// operation locks one internal mutex, so any number of connection threads may share it;
+// all clients then drive the same arm.
+class SimulatedController {
+public:
+  explicit SimulatedController(ControllerOptions options = {},
+                               std::shared_ptr<const Clock> clock = std::make_shared<SteadyClock>());
+
+  // A finished reply, or a pending one ("wait_for_motors", or a move with "block" 1) that a
+  // later poll() finishes.
+  Reply handle(const std::string& functionName, const Params& params);
+  // Pending replies finished since the last call (the motors arrived or were halted). Call
+  // after every handle() and when secondsUntilNextCompletion() has passed.
+  std::vector<Completion> poll();
+  // Drops a pending reply nobody will collect (its connection closed).
+  void cancel(std::uint64_t ticket);
+  // Time until poll() would next have something if nothing else happens: 0 when it has now,
+  // nothing when no reply is pending.
+  std::optional<double> secondsUntilNextCompletion() const;
+
+  ControllerMode mode() const;
+  std::size_t motorCount() const { return arm_.motorCount(); }
+
+private:
+  using Handler = Reply (SimulatedController::*)(const ParamReader&, double);
+  struct Command {
+    Access access;
+    Handler run;
+  };
+  struct Wait {
+    std::uint64_t ticket;
+    std::vector<std::size_t> motors;
+  };
+
+  static const Command* findCommand(const std::string& functionName);
+  static Reply done(int state, std::string result = {});
+
+  // Motor ids (1-based) to indices; kOk or kUnknownMotor.
+  int resolveMotors(const std::vector<int>& ids, std::vector<std::size_t>& motors) const;
+  // The "motor_ids" parameter resolved; kOk, kBadParameter or kUnknownMotor.
+  int readMotors(const ParamReader& params, std::vector<std::size_t>& motors) const;
+  bool hasArm() const { return arm_.motorCount() >= ArmKinematics::kJoints; }
+  std::vector<std::size_t> armMotors() const;
+  std::vector<std::size_t> allMotors() const;
+  JointVector armJoints(double now) const;
+
+  void collectArrivals(double now);
+  // Halts the motions of `motors`; pending waits on them finish as interrupted.
+  void haltMotors(const std::vector<std::size_t>& motors, double now);
+  // Powers (limp false) or releases (limp true) the motors.
+  void setDrives(const std::vector<std::size_t>& motors, bool limp);
+  // Halts everything, clears the outputs and frees the tools.
+  void quiesce(double now);
+  Reply awaitRest(std::vector<std::size_t> motors, double now);
+  // Starts a planned motion (null: nothing to do) and answers it, pending if `block`.
+  Reply launch(std::unique_ptr<Trajectory> trajectory, const std::vector<std::size_t>& motors,
+               bool block, double now);
+  Reply launchToolPath(const std::vector<Waypoint>& waypoints, double velocity,
+                       double acceleration, double dwell, bool block, double now);
+  // kOk, or why the arm cannot follow a tool path now.
+  int armMotionCheck() const;
+
+  // Session and state commands.
+  Reply setup(const ParamReader& params, double now);
+  Reply motorIds(const ParamReader& params, double now);
+  Reply finalize(const ParamReader& params, double now);
+  Reply recover(const ParamReader& params, double now);
+  Reply stop(const ParamReader& params, double now);
+  Reply calibrate(const ParamReader& params, double now);
+  Reply reset(const ParamReader& params, double now);
+  // Motion.
+  Reply moveToAngles(const ParamReader& params, double now);
+  Reply moveToPosition(const ParamReader& params, double now);
+  Reply moveJ(const ParamReader& params, double now);
+  Reply moveL(const ParamReader& params, double now);
+  Reply moveP(const ParamReader& params, double now);
+  // Motors, outputs, tools.
+  Reply hold(const ParamReader& params, double now);
+  Reply release(const ParamReader& params, double now);
+  Reply waitForMotors(const ParamReader& params, double now);
+  Reply switchDrives(const ParamReader& params, double now, bool limp);
+  Reply setOutput(const ParamReader& params, double now);
+  Reply toolAction(const ParamReader& params, double now);
+  // Queries and kinematics.
+  Reply angles(const ParamReader& params, double now);
+  Reply velocities(const ParamReader& params, double now);
+  Reply currents(const ParamReader& params, double now);
+  Reply inputs(const ParamReader& params, double now);
+  Reply position(const ParamReader& params, double now);
+  Reply forward(const ParamReader& params, double now);
+  Reply inverse(const ParamReader& params, double now);
+
+  // Shared shape of the per-motor queries.
+  template <typename Value>
+  Reply motorQuery(const ParamReader& params, Value value);
+
+  std::shared_ptr<const Clock> clock_;
+  ArmKinematics kinematics_;
+  MotionPlanner planner_;
+  CurrentModel currentModel_;
+  mutable std::mutex mutex_;
+  ControllerState state_;
+  Arm arm_;
+  IoPanel io_;
+  std::vector<Wait> waits_;
+  std::vector<Completion> finished_;
+  std::uint64_t nextTicket_ = 1;
+};
+
+}  // namespace tavsim
+
+#endif
