@@ -92,8 +92,10 @@ int MotionPlanner::sampleRun(const CartesianPath& path, std::size_t run, double 
                              std::unique_ptr<Trajectory>& out) const {
   TrapezoidProfile profile(path.runLength(run), velocity, acceleration);
   double duration = profile.duration();
-  auto steps = static_cast<std::size_t>(std::ceil(duration / kSampleStep));
-  steps = std::clamp<std::size_t>(steps, 1, kMaxSamplesPerRun);
+  // Clamped while still a double: a crawling speed must not overflow the conversion.
+  double wanted = std::clamp(std::ceil(duration / kSampleStep), 1.0,
+                             static_cast<double>(kMaxSamplesPerRun));
+  auto steps = static_cast<std::size_t>(wanted);
   double step = duration / static_cast<double>(steps);
   double limit = degToRad(jointLimit_);
   double maxJump = degToRad(kMaxJointStepDegrees);

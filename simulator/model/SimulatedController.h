@@ -31,7 +31,8 @@ struct ControllerOptions {
 };
 
 // The content of a command reply: "state" text and "result1" text (empty: no result child).
-// A pending reply carries a ticket; its content comes later from poll().
+// A pending reply carries a non-zero ticket and no content yet; the finished reply comes
+// later from poll() under the same ticket.
 struct Reply {
   std::string state;
   std::string result1;

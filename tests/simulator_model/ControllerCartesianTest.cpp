@@ -98,6 +98,19 @@ TEST_F(Cartesian, UnreachablePosesAreRefused) {
   EXPECT_EQ(query("get_velocity", {{"motor_ids", kAllMotors}}), std::vector<double>(6, 0.0));
 }
 
+TEST_F(Cartesian, ExtremeSpeedsStayDefined) {
+  Params params{{"position", "[0.0,0.0,0.01,[0.0,0.0,0.0]]"},
+                {"velocity", "1e400"},
+                {"acceleration", "1.0"},
+                {"relative", "1"},
+                {"block", "0"}};
+  EXPECT_EQ(state("move_to_position", params), StateCodes::kBadParameter);
+  params["velocity"] = "0.000000001";  // a crawl of some three centuries
+  EXPECT_EQ(state("move_to_position", params), StateCodes::kOk);
+  clock->advance(3600.0);
+  EXPECT_TRUE(call("wait_for_motors", {{"motor_ids", kAllMotors}}).pending());
+}
+
 TEST_F(Cartesian, LinearMoveKeepsTheToolOnTheLineAndTakesItsTime) {
   std::vector<double> start = pose();
   std::vector<double> target = start;
