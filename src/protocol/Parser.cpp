@@ -1,0 +1,215 @@
+#include "protocol/Parser.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <vector>
+
+#include "common/RobotEvent.h"
+#include "protocol/CheckSum.h"
+#include "xml/TavXmlDocument.h"
+#include "xml/TavXmlElement.h"
+
+namespace {
+
+using Message = Parser::Message;
+using Element = std::optional<TavXmlElement>;
+
+constexpr int kDecodeFailed = RobotEvents::kDecodeFailed;
+
+// A missing key reads as an empty text, without inserting it into the caller's map.
+std::string valueOf(const Message& params, const std::string& key) {
+  const auto entry = params.find(key);
+  return entry == params.end() ? std::string() : entry->second;
+}
+
+std::string leaf(const std::string& name, const std::string& text) {
+  TavXmlElement element(name);
+  element.setText(text);
+  return element.getElement();
+}
+
+// head, body and the tail carrying the checksum of what was added to `sum`, inside root.
+std::string envelope(TavXmlElement& head, TavXmlElement& body, CheckSum& sum) {
+  TavXmlElement tail("tail");
+  tail.setText(leaf("checksum", std::to_string(sum.CalcSum())));
+  TavXmlElement root("root");
+  root.setText(head.getElement());
+  root.linkText(body.getElement());
+  root.linkText(tail.getElement());
+  return root.getElement();
+}
+
+Element parsedRoot(std::string& text) {
+  TavXmlDocument document;
+  if (document.parse(text) != 0) {
+    return std::nullopt;
+  }
+  return document.getRoot();
+}
+
+// Positions are checked against the children count before indexing, so a short message is
+// rejected rather than read past its end. An absent parent yields an absent child.
+Element childAt(const Element& parent, std::size_t index) {
+  if (!parent) {
+    return std::nullopt;
+  }
+  const std::vector<TavXmlElement> children = parent->getChildren();
+  if (index >= children.size()) {
+    return std::nullopt;
+  }
+  return children[index];
+}
+
+Element childNamed(const Element& parent, std::size_t index, const std::string& name) {
+  Element child = childAt(parent, index);
+  if (child && child->getName() != name) {
+    return std::nullopt;
+  }
+  return child;
+}
+
+// The declared sum is read as strtol reads it (leading blanks and sign, stops at the first
+// non-digit, no digits is 0); only its low 32 bits are compared.
+bool checksumMatches(const Element& tail, CheckSum& sum) {
+  const Element checksum = childNamed(tail, 0, "checksum");
+  if (!checksum) {
+    return false;
+  }
+  const std::string declaredText = checksum->getText();
+  const long declared = std::strtol(declaredText.c_str(), nullptr, 10);
+  return static_cast<std::uint32_t>(declared) == static_cast<std::uint32_t>(sum.CalcSum());
+}
+
+}  // namespace
+
+int Parser::wrap_heart(std::string& out, Message& /*params*/) {
+  TavXmlElement heart("heart");
+  TavXmlElement root("root");
+  root.setText(heart.getElement());
+  out = root.getElement();
+  return 0;
+}
+
+int Parser::wrap_clientinfo(std::string& out, Message& params) {
+  const std::string kind = valueOf(params, "identifier");
+  TavXmlElement head("head");
+  head.setText(leaf("identifier", kind));
+  TavXmlElement body(kind);
+  CheckSum sum;
+  for (const char* key : {"version", "system", "language"}) {
+    const std::string value = valueOf(params, key);
+    body.linkText(leaf(key, value));
+    sum.AddElement(value);
+  }
+  out = envelope(head, body, sum);
+  return 0;
+}
+
+int Parser::wrap_msg(std::string& out, Message& params) {
+  TavXmlElement head("head");
+  head.setText(leaf("timestamp", valueOf(params, "timestamp")));
+  head.linkText(leaf("ClientID", valueOf(params, "ClientID")));
+  const std::string functionName = valueOf(params, "function_name");
+  CheckSum sum;
+  sum.AddElement(functionName);
+  params.erase("timestamp");
+  params.erase("ClientID");
+  params.erase("function_name");
+  TavXmlElement parameter("parameter");
+  for (const auto& [key, value] : params) {
+    parameter.linkText(leaf(key, value));
+    sum.AddElement(value);
+  }
+  // Each setText inserts right behind the opening tag, so the parameter block lands in front
+  // of the name; the server reads exactly this order.
+  TavXmlElement function("function");
+  function.setText(leaf("name", functionName));
+  function.setText(parameter.getElement());
+  out = envelope(head, function, sum);
+  return 0;
+}
+
+int Parser::unwrap(Message& result, std::string& text) {
+  if (text.find("ConnResult") != std::string::npos) {
+    return unwrap_ConnResult(result, text);
+  }
+  if (text.find("Heart") != std::string::npos) {
+    return unwrap_Heart(result, text);
+  }
+  if (text.find("Error") != std::string::npos) {
+    return unwrap_Error(result, text);
+  }
+  return unwrap_Msg(result, text);
+}
+
+int Parser::unwrap_Heart(Message& result, std::string& text) {
+  if (!childNamed(parsedRoot(text), 0, "Heart")) {
+    return kDecodeFailed;
+  }
+  result["identifier"] = "heart";
+  return 0;
+}
+
+int Parser::unwrap_Error(Message& result, std::string& text) {
+  const Element error = childNamed(parsedRoot(text), 0, "Error");
+  if (!error) {
+    return kDecodeFailed;
+  }
+  result["identifier"] = "Error";
+  const Element code = childNamed(error, 0, "errorcode");
+  if (!code) {
+    return kDecodeFailed;
+  }
+  result["errorcode"] = code->getText();
+  return 0;
+}
+
+int Parser::unwrap_ConnResult(Message& result, std::string& text) {
+  const Element root = parsedRoot(text);
+  // The identifier element's own name is not checked, only its text.
+  const Element identifier = childAt(childNamed(root, 0, "head"), 0);
+  if (!identifier) {
+    return kDecodeFailed;
+  }
+  result["identifier"] = identifier->getText();
+  if (identifier->getText() != "ConnResult") {
+    return kDecodeFailed;
+  }
+  const Element value = childNamed(childNamed(root, 1, "ConnResult"), 0, "result");
+  if (!value) {
+    return kDecodeFailed;
+  }
+  CheckSum sum;
+  result["result"] = value->getText();
+  sum.AddElement(value->getText());
+  return checksumMatches(childNamed(root, 2, "tail"), sum) ? 0 : kDecodeFailed;
+}
+
+int Parser::unwrap_Msg(Message& result, std::string& text) {
+  const Element root = parsedRoot(text);
+  const Element head = childNamed(root, 0, "head");
+  const Element state = childNamed(head, 1, "state");
+  if (!childNamed(head, 0, "timestamp") || !state) {
+    return kDecodeFailed;
+  }
+  result["state"] = state->getText();
+  const Element values = childNamed(root, 1, "result");
+  if (!values) {
+    return kDecodeFailed;
+  }
+  CheckSum sum;
+  for (const TavXmlElement& value : values->getChildren()) {
+    result[value.getName()] = value.getText();
+    sum.AddElement(value.getText());
+  }
+  const Element matching = childNamed(root, 2, "taskmatching");
+  const Element stamp = childNamed(matching, 0, "timestamp");
+  const Element function = childNamed(matching, 1, "name");
+  if (!stamp || !function) {
+    return kDecodeFailed;
+  }
+  result["identifier"] = function->getText() + stamp->getText();
+  return checksumMatches(childNamed(root, 3, "tail"), sum) ? 0 : kDecodeFailed;
+}
