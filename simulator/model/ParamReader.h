@@ -14,7 +14,7 @@ namespace tavsim {
 using Params = std::map<std::string, std::string>;
 
 // Typed views of a command's parameter texts. Every reader returns false when the key is
-// missing or its text is not of the expected form, and leaves `out` unspecified then.
+// missing or its text is not of the expected form, and `out` may then hold anything.
 class ParamReader {
 public:
   explicit ParamReader(const Params& params) : params_(params) {}
