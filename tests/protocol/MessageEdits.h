@@ -6,36 +6,31 @@
 #include <stdexcept>
 #include <string>
 
-// Edits of one element in a compact message text, to build damaged variants of good messages.
+// Damaged variants of a good message: one element, found by name and occurrence (from 0) in
+// its long or short form, renamed or removed.
 namespace message_edits {
 
 struct Span {
-  std::size_t begin;
-  std::size_t nameEnd;  // just behind the name in the opening tag
-  std::size_t closeNameEnd;  // just behind the name in the closing tag, or npos for "<n />"
-  std::size_t end;
+  std::size_t begin, end, nameEnd, closeNameEnd;  // closeNameEnd is npos for "<name />"
 };
 
-// The occurrence-th element of that name (counting from 0), long or short form.
 inline Span locate(const std::string& text, const std::string& name, int occurrence) {
-  std::size_t from = 0;
   std::size_t begin = std::string::npos;
-  for (int seen = 0; seen <= occurrence; ++seen) {
+  for (std::size_t from = 0; occurrence >= 0; --occurrence, from = begin + 1) {
     begin = std::min(text.find("<" + name + ">", from), text.find("<" + name + " />", from));
     if (begin == std::string::npos) {
       throw std::logic_error("no element " + name + " in " + text);
     }
-    from = begin + 1;
   }
   const std::size_t nameEnd = begin + 1 + name.size();
   if (text[nameEnd] == ' ') {
-    return {begin, nameEnd, std::string::npos, nameEnd + 3};
+    return {begin, nameEnd + 3, nameEnd, std::string::npos};
   }
-  const std::size_t close = text.find("</" + name + ">", nameEnd);
-  return {begin, nameEnd, close + 2 + name.size(), close + 3 + name.size()};
+  const std::size_t closeNameEnd = text.find("</" + name + ">", nameEnd) + 2 + name.size();
+  return {begin, closeNameEnd + 1, nameEnd, closeNameEnd};
 }
 
-inline std::string renamed(std::string text, const std::string& name, int occurrence = 0) {
+inline std::string renamed(std::string text, const std::string& name, int occurrence) {
   const Span span = locate(text, name, occurrence);
   if (span.closeNameEnd != std::string::npos) {
     text.insert(span.closeNameEnd, "x");
@@ -43,7 +38,7 @@ inline std::string renamed(std::string text, const std::string& name, int occurr
   return text.insert(span.nameEnd, "x");
 }
 
-inline std::string without(std::string text, const std::string& name, int occurrence = 0) {
+inline std::string without(std::string text, const std::string& name, int occurrence) {
   const Span span = locate(text, name, occurrence);
   return text.erase(span.begin, span.end - span.begin);
 }

@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -158,5 +163,43 @@ TEST(ParserUnwrap, DispatchesOnSubstringsInFixedOrder) {
   for (const auto& c : cases) {
     EXPECT_EQ(decode(c.intended, c.text), 0) << c.text;
     EXPECT_EQ(decode(&Parser::unwrap, c.text), kFailed) << c.text;
+  }
+}
+
+// Whatever arrives, unwrap answers with a status or lets the parser's out_of_range through.
+TEST(ParserUnwrap, MutatedTextGivesAStatusOrOutOfRange) {
+  const std::string seeds[] = {kHeart, kError, kConnResult, kReply};
+  const std::string tokens[] = {"<", ">", "/", "/>", " ", "<root>", "</root>", "<root />", "<a>", "</a>",
+                                "<a />", "Heart", "Error", "ConnResult", "\xff", std::string(1, '\0')};
+  std::mt19937 random(20240611u);
+  const auto below = [&random](std::size_t bound) {
+    return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
+  };
+  int outcomes[3] = {};  // decoded, rejected, thrown
+  for (int round = 0; round < 20000; ++round) {
+    std::string text = seeds[below(std::size(seeds))];
+    for (std::size_t edits = 1 + below(6); edits > 0; --edits) {
+      const std::size_t at = below(text.size() + 1);
+      const std::size_t length = std::min(text.size() - at, below(16));
+      switch (below(4)) {
+        case 0: text.insert(at, tokens[below(std::size(tokens))]); break;
+        case 1: text.erase(at, length); break;
+        case 2: text.insert(at, text.substr(at, length)); break;
+        default: text.insert(at, 1, static_cast<char>(below(256))); break;
+      }
+    }
+    Message result;
+    try {
+      const int status = decode(&Parser::unwrap, text, result);
+      EXPECT_TRUE(status == 0 || status == kFailed) << status << " for " << text;
+      ++outcomes[status == 0 ? 0 : 1];
+    } catch (const std::out_of_range&) {
+      ++outcomes[2];
+    } catch (...) {
+      ADD_FAILURE() << "unexpected exception for " << text;
+    }
+  }
+  for (const int count : outcomes) {
+    EXPECT_GT(count, 0);
   }
 }

@@ -57,17 +57,6 @@ TEST(TavXmlDocument, KeepsTheNameSearchQuirks) {
   EXPECT_EQ(document.getRoot().getElement(), "<root>T<root/>");
 }
 
-TEST(TavXmlDocument, ListsTopLevelNames) {
-  TavXmlDocument document;
-  std::vector<std::string> names{"stale"};
-  std::string siblings = "<a /><b>2</b><c>3</c>";
-  EXPECT_EQ(document._getElementNameVector(siblings, names), 0);
-  EXPECT_EQ(names, (std::vector<std::string>{"a", "b", "c"}));
-  std::string leaf = "no tags";
-  EXPECT_EQ(document._getElementNameVector(leaf, names), 1);
-  EXPECT_TRUE(names.empty());
-}
-
 TEST(TavXmlDocument, ThrowsOutOfRangeForShapesThatCutPastTheEnd) {
   for (std::string text : {"<root><a/></root>", "<root> <a>1</a></root>", "<root>a<b</root>",
                            "<root>1<a>2</a></root>", "<root>1<a /></root>", "abcd"}) {
