@@ -1,0 +1,56 @@
+#include "common/TavUtils.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+int32_t _TavTimeStamp = 0;
+
+namespace {
+constexpr int32_t kLastTimeStamp = 10240;
+constexpr std::size_t kMaxPathLength = 256;
+constexpr mode_t kDirectoryMode = 0775;
+
+bool IsSeparator(char c) { return c == '/' || c == '\\'; }
+
+bool EnsureDirectory(const std::string& path) {
+  return access(path.c_str(), F_OK) == 0 || mkdir(path.c_str(), kDirectoryMode) == 0;
+}
+}  // namespace
+
+// The counter stays a plain exported int; the compare-and-swap only keeps two threads from
+// drawing the same number.
+int GetTimeStamp() {
+  int32_t current = __atomic_load_n(&_TavTimeStamp, __ATOMIC_RELAXED);
+  int32_t next;
+  do {
+    next = current < kLastTimeStamp ? current + 1 : 1;
+  } while (!__atomic_compare_exchange_n(&_TavTimeStamp, &current, next, false, __ATOMIC_RELAXED,
+                                        __ATOMIC_RELAXED));
+  return next;
+}
+
+void TimeSleep(double seconds) {
+  // A negative (or NaN) time would convert to an enormous unsigned count: it sleeps not at all.
+  if (!(seconds >= 1.0)) return;
+  sleep(static_cast<unsigned>(seconds));
+}
+
+Robot_Event GetRobotEvent(std::string text) {
+  return static_cast<Robot_Event>(std::strtol(text.c_str(), nullptr, 10));
+}
+
+int createDirectory(const std::string& path) {
+  if (path.size() > kMaxPathLength) return RobotEvents::kResourceFailed;
+  if (path.empty()) return RobotEvents::kSuccess;
+
+  std::string prefix;
+  prefix.reserve(path.size());
+  for (char c : path) {
+    prefix.push_back(c);
+    if (IsSeparator(c) && !EnsureDirectory(prefix)) return RobotEvents::kResourceFailed;
+  }
+  if (!IsSeparator(path.back()) && !EnsureDirectory(path)) return RobotEvents::kResourceFailed;
+  return RobotEvents::kSuccess;
+}
