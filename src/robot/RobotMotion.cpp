@@ -1,0 +1,77 @@
+#include "Robot.h"
+#include "robot/ParameterText.h"
+
+using ParameterText::IdList;
+using ParameterText::Integer;
+using ParameterText::Pose;
+using ParameterText::PoseList;
+using ParameterText::Real;
+using ParameterText::RealList;
+
+namespace {
+
+int ModeValue(Relative_Mode mode) { return static_cast<int>(mode); }
+int ModeValue(Traj_Close_Mode mode) { return static_cast<int>(mode); }
+
+// A closed path blends at n - 2 corners, an open one takes a radius per point. n below 2 on a
+// closed path wraps around; the caller must not ask for that.
+unsigned long RadiusCount(unsigned long n, Traj_Close_Mode closed) {
+  return ModeValue(closed) == 1 ? n - 2 : n;
+}
+
+}  // namespace
+
+// Single-motor moves are the one-motor case of the group move.
+int Robot::move_to_angles(int motor_id, double position, float velocity, float acceleration,
+                          Relative_Mode mode) {
+  return move_to_angles(1, &motor_id, &position, velocity, acceleration, mode);
+}
+
+// "block" 0: the controller answers once it has accepted the move, not when the move ends.
+int Robot::move_to_angles(unsigned long count, const int* motor_ids, const double* positions,
+                          float velocity, float acceleration, Relative_Mode mode) {
+  return _command("move_to_angles", {{"motor_ids", IdList(count, motor_ids)},
+                                     {"position", RealList(count, positions)},
+                                     {"velocity", Real(velocity)},
+                                     {"acceleration", Real(acceleration)},
+                                     {"relative", Integer(ModeValue(mode))},
+                                     {"block", "0"}});
+}
+
+// The controller knows this command as "move_to_position".
+int Robot::move_to_pose(_Pose pose, float velocity, float acceleration, Relative_Mode mode) {
+  return _command("move_to_position", {{"position", Pose(pose)},
+                                       {"velocity", Real(velocity)},
+                                       {"acceleration", Real(acceleration)},
+                                       {"relative", Integer(ModeValue(mode))},
+                                       {"block", "0"}});
+}
+
+// Path commands carry no "block" key.
+Robot::Parameters Robot::_pathParameters(unsigned long n, const _Pose* points, float velocity,
+                                         float acceleration, float interval,
+                                         Traj_Close_Mode closed) {
+  return {{"points", PoseList(n, points)},
+          {"velocity", Real(velocity)},
+          {"acceleration", Real(acceleration)},
+          {"interval", Real(interval)},
+          {"closed", Integer(ModeValue(closed))}};
+}
+
+int Robot::moveJ(unsigned long n, _Pose* points, float velocity, float acceleration,
+                 float interval, Traj_Close_Mode closed) {
+  return _command("moveJ", _pathParameters(n, points, velocity, acceleration, interval, closed));
+}
+
+int Robot::moveP(unsigned long n, _Pose* points, float velocity, float acceleration,
+                 float interval, Traj_Close_Mode closed) {
+  return _command("moveP", _pathParameters(n, points, velocity, acceleration, interval, closed));
+}
+
+// As moveJ, with the blend radii right after the points.
+int Robot::moveL(unsigned long n, _Pose* points, const double* radius, float velocity,
+                 float acceleration, float interval, Traj_Close_Mode closed) {
+  Parameters parameters = _pathParameters(n, points, velocity, acceleration, interval, closed);
+  parameters.insert(parameters.begin() + 1, {"radius", RealList(RadiusCount(n, closed), radius)});
+  return _command("moveL", parameters);
+}

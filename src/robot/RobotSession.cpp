@@ -1,0 +1,58 @@
+#include <algorithm>
+#include <string>
+
+#include "Robot.h"
+#include "common/TavUtils.h"
+#include "robot/ParameterText.h"
+#include "robot/ReplyText.h"
+
+Robot::Robot() = default;
+
+// Logging out is the caller's duty: the Client's destructor waits for idle workers.
+Robot::~Robot() = default;
+
+// Connects, introduces the client and waits for the controller's verdict. A failure after the
+// connect leaves the socket open; the caller decides whether to log out.
+int Robot::RobotLogin(const char* ip, short port) {
+  if (const int code = InitializeSocket(ip, port)) return code;
+
+  const LocalSystemInfo info = GetLocalSystemInfo();
+  Tasks clientInfo;
+  clientInfo.type = Tasks::kSession;
+  clientInfo.params = {{"identifier", "ClientInfo"},
+                       {"version", info.version},
+                       {"system", info.system},
+                       {"language", info.language}};
+  if (const int code = AddTasks(clientInfo)) return code;
+
+  Reply reply;
+  if (const int code = GetResult("ConnResult", reply)) return code;
+  if (const int code = GetRobotEvent(ReplyText::ValueOf(reply, "result"))) return code;
+  GetClientIP(clientId);
+  return 0;
+}
+
+// The cached motor ids and the client identifier survive a logout.
+int Robot::RobotLogout() { return FinalizeSocket(); }
+
+int Robot::Setup(const char* name, Setup_Param param, Setup_Mode mode) {
+  const int code = _command("Robot", {{"name", name},
+                                      {"parameters", ParameterText::SetupParameters(param)},
+                                      {"virtual", ParameterText::Integer(static_cast<int>(mode))}});
+  if (code != 0) return code;
+  return _getMotorIds();
+}
+
+// On any failure the cache keeps the ids of the last successful discovery.
+int Robot::_getMotorIds() {
+  Reply reply;
+  if (const int code = _roundTrip("get_motor_ids", {}, reply)) return code;
+  motorIds = ReplyText::MotorIdsIn(ReplyText::ValueOf(reply, "result1"));
+  return 0;
+}
+
+int Robot::get_motor_ids(size_t& count, int* ids) {
+  count = motorIds.size();
+  std::copy(motorIds.begin(), motorIds.end(), ids);
+  return 0;
+}
