@@ -17,30 +17,47 @@ namespace {
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-// A TCP socket bound to 127.0.0.1 on a free port; the port is written to `port`.
-UniqueFd BindLoopback(std::uint16_t& port) {
+// A TCP socket bound to `host`:`port`; port 0 takes a free one.
+UniqueFd Bind(const std::string& host, std::uint16_t port) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  if (::inet_pton(AF_INET, host.c_str(), &address.sin_addr) != 1) {
+    throw std::system_error(EINVAL, std::generic_category(), "not an IPv4 address: '" + host + "'");
+  }
   UniqueFd socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   if (!socket.Valid()) {
     ThrowErrno("socket");
   }
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = 0;
+  // A fixed port can be taken again at once after a restart.
+  const int reuse = port != 0 ? 1 : 0;
+  ::setsockopt(socket.Get(), SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
   if (::bind(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-    ThrowErrno("bind 127.0.0.1");
+    const int error = errno;
+    throw std::system_error(error, std::generic_category(), "bind " + host + ":" + std::to_string(port));
   }
+  return socket;
+}
+
+UniqueFd BindLoopback() {
+  return Bind("127.0.0.1", 0);
+}
+
+std::uint16_t BoundPort(const UniqueFd& socket) {
+  sockaddr_in address{};
   socklen_t length = sizeof address;
   if (::getsockname(socket.Get(), reinterpret_cast<sockaddr*>(&address), &length) != 0) {
     ThrowErrno("getsockname");
   }
-  port = ntohs(address.sin_port);
-  return socket;
+  return ntohs(address.sin_port);
 }
 
 }  // namespace
 
-LoopbackListener::LoopbackListener() : socket_(BindLoopback(port_)) {
+LoopbackListener::LoopbackListener() : LoopbackListener("127.0.0.1", 0) {}
+
+LoopbackListener::LoopbackListener(const std::string& address, std::uint16_t port)
+    : socket_(Bind(address, port)), port_(BoundPort(socket_)) {
   if (::listen(socket_.Get(), SOMAXCONN) != 0) {
     ThrowErrno("listen");
   }
@@ -61,6 +78,6 @@ std::optional<Connection> LoopbackListener::Accept(std::chrono::milliseconds tim
   return Connection(std::move(client));
 }
 
-RefusingPort::RefusingPort() : socket_(BindLoopback(port_)) {}
+RefusingPort::RefusingPort() : socket_(BindLoopback()), port_(BoundPort(socket_)) {}
 
 }  // namespace tavsim

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "core/Connection.h"
 #include "core/UniqueFd.h"
@@ -15,6 +16,8 @@ namespace tavsim {
 class LoopbackListener {
 public:
   LoopbackListener();
+  // Listens on `address` (IPv4, dotted) and `port` instead; port 0 lets the system choose.
+  LoopbackListener(const std::string& address, std::uint16_t port);
 
   std::uint16_t Port() const { return port_; }
   int NativeHandle() const { return socket_.Get(); }
@@ -24,7 +27,7 @@ public:
 
 private:
   UniqueFd socket_;
-  std::uint16_t port_ = 0;
+  std::uint16_t port_;
 };
 
 // A loopback port with a bound socket that does not listen: connecting to it is refused, and
@@ -36,7 +39,7 @@ public:
 
 private:
   UniqueFd socket_;
-  std::uint16_t port_ = 0;
+  std::uint16_t port_;
 };
 
 }  // namespace tavsim

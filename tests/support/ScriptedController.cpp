@@ -1,5 +1,10 @@
 #include "support/ScriptedController.h"
 
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
+
+#include "support/Polling.h"
+
 namespace tavtest {
 
 using ::testing::AssertionFailure;
@@ -151,6 +156,19 @@ AssertionResult ScriptedController::Reply(const tavsim::ClientMessage& command, 
 AssertionResult ScriptedController::ReplyWithChecksum(const tavsim::ClientMessage& command, const std::string& checksum,
                                                       const std::string& state, const Results& results) {
   return Send(tavsim::CommandReplyMessage(ReplyTo(command, state, results), checksum));
+}
+
+AssertionResult ScriptedController::WaitDelivered(std::chrono::milliseconds wait) {
+  if (AssertionResult connected = Connected(); !connected) {
+    return connected;
+  }
+  int inFlight = 0;
+  const bool delivered =
+      PollUntil(wait, [&] { return ::ioctl(connection_->NativeHandle(), SIOCOUTQ, &inFlight) == 0 && inFlight == 0; });
+  if (!delivered) {
+    return AssertionFailure() << inFlight << " bytes still not taken by the client after " << wait.count() << " ms";
+  }
+  return AssertionSuccess();
 }
 
 void ScriptedController::CloseSending() {

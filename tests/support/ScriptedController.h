@@ -61,6 +61,9 @@ public:
   ::testing::AssertionResult ReplyWithChecksum(const tavsim::ClientMessage& command, const std::string& checksum,
                                                const std::string& state = "0", const Results& results = {});
 
+  // Waits until the client's kernel has taken every byte written so far (none in flight).
+  ::testing::AssertionResult WaitDelivered(std::chrono::milliseconds wait = kDefaultWait);
+
   // Ends the controller's sending side: the client's reads return 0.
   void CloseSending();
   void Close();

@@ -1,0 +1,64 @@
+#ifndef TAVCLIENT_CLIENT_CLIENT_H
+#define TAVCLIENT_CLIENT_CLIENT_H
+
+#include <netinet/in.h>
+
+#include <atomic>
+#include <map>
+#include <string>
+
+#include "client/Heart.h"
+#include "client/LocalSystemInfo.h"
+#include "client/Receiver.h"
+#include "client/Sender.h"
+#include "client/Tasks.h"
+#include "common/RobotEvent.h"
+
+// The session with the controller: owns the socket and the Sender, Receiver and Heart threads,
+// queues outbound messages and waits for named replies. One status code is sticky: once a
+// worker has reported an event (or a connect failed) every operation returns it, and the
+// session stays failed until a new Client is made.
+//
+// The workers reach the session through the static pKestClientCallback, which every
+// constructor points at itself: one live Client per process is supported.
+//
+// FinalizeSocket must come before destruction: destroying a connected Client blocks, because
+// the heart does not stop while it is enabled.
+class Client {
+public:
+  static constexpr int kReplyTimeoutSeconds = 3600;
+
+  Client();
+  virtual ~Client();
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+
+  int InitializeSocket(const char* ip, short port);
+  int FinalizeSocket();
+  // Queues a copy of `task`; returns before anything is sent.
+  int AddTasks(Tasks task);
+  // Waits for the reply filed under `name` and takes it out of the store.
+  int GetResult(std::string name, std::map<std::string, std::string>& result);
+  void GetClientIP(std::string& ip);
+  LocalSystemInfo GetLocalSystemInfo();
+  int _loadLocalSystemInfo();
+
+  static void _eventCallback(Robot_Event event);
+  static void _heartCallback();
+
+  static std::atomic<Client*> pKestClientCallback;
+
+private:
+  void _setStatus(Robot_Event event);
+
+  sockaddr_in serverAddress{};
+  int socketFd = -1;
+  std::atomic<int> status{RobotEvents::kSuccess};
+  LocalSystemInfo localSystemInfo;
+  bool connected = false;
+  Receiver receiver;
+  Sender sender;
+  Heart heart;
+};
+
+#endif
