@@ -1,0 +1,65 @@
+#ifndef TAVSIM_SERVER_OUTBOX_H
+#define TAVSIM_SERVER_OUTBOX_H
+
+#include <chrono>
+#include <cstddef>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tavsim {
+
+using SteadyTime = std::chrono::steady_clock::time_point;
+
+// One thing to send on a connection: the pieces of a message, written one after another
+// with `pieceGap` between them, from `due` on; or, with `closeAfter`, the end of the
+// connection once the pieces (if any) are out.
+struct OutboxEntry {
+  SteadyTime due;
+  std::vector<std::string> pieces;
+  std::chrono::milliseconds pieceGap{0};
+  bool closeAfter = false;
+};
+
+// The writes waiting on one connection, sent in order of their due time without blocking.
+//
+// The client cuts at most one message out of each read, so two messages that reach it in one
+// read leave the second waiting for the next one. Consecutive entries are therefore paced
+// `writeGap` apart, giving the client time to take each message by itself. An entry that has
+// started is finished before any other, so a split message is never interleaved.
+class Outbox {
+public:
+  enum class Progress {
+    Waiting,   // nothing more is due now (see NextDue)
+    Blocked,   // the socket takes no more bytes: wait until it is writable
+    CloseNow,  // a closing entry was reached
+    Broken     // a write failed: the connection is gone
+  };
+
+  explicit Outbox(std::chrono::milliseconds writeGap) : writeGap_(writeGap) {}
+
+  void Schedule(OutboxEntry entry);
+  // Writes what is due at `now` on the non-blocking socket `fd`.
+  Progress Flush(int fd, SteadyTime now);
+  // When Flush next has something to write; nothing when the outbox is empty or blocked.
+  std::optional<SteadyTime> NextDue() const;
+  bool Blocked() const { return blocked_; }
+  bool Empty() const { return queue_.empty(); }
+
+private:
+  // Sends the rest of the current piece; false when the socket is full or broken.
+  Progress WritePiece(int fd, SteadyTime now);
+
+  std::chrono::milliseconds writeGap_;
+  std::deque<OutboxEntry> queue_;  // by due time; the front may be in progress
+  bool started_ = false;           // the front entry has begun
+  std::size_t piece_ = 0;          // next piece of the front entry
+  std::size_t offset_ = 0;         // bytes of that piece already written
+  SteadyTime notBefore_{};         // pacing: the next write may not start earlier
+  bool blocked_ = false;
+};
+
+}  // namespace tavsim
+
+#endif

@@ -1,0 +1,36 @@
+#ifndef TAVSIM_SERVER_SERVEROPTIONS_H
+#define TAVSIM_SERVER_SERVEROPTIONS_H
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "model/Clock.h"
+#include "model/SimulatedController.h"
+#include "server/RequestHandler.h"
+
+namespace tavsim {
+
+struct ServerOptions {
+  // Where to listen: an IPv4 address in dotted form and a TCP port (0: the system picks one;
+  // SimulatorServer::Port() tells which).
+  std::string host = "127.0.0.1";
+  std::uint16_t port = 0;
+  // The simulated arm: motor count, outputs, start angles.
+  ControllerOptions controller;
+  // The controller's time source; a ManualClock makes motion deterministic (then call
+  // SimulatorServer::Wake() after advancing it).
+  std::shared_ptr<const Clock> clock = std::make_shared<SteadyClock>();
+  // A client that sends this much without ending a message gets an Error and is cut off.
+  std::size_t maxMessageBytes = 64 * 1024;
+  // Least time between two messages written to one client (see Outbox).
+  std::chrono::milliseconds writeGap{2};
+  // One line per connection event and per command; nothing when empty.
+  LogSink log;
+};
+
+}  // namespace tavsim
+
+#endif

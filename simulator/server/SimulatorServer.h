@@ -1,0 +1,64 @@
+#ifndef TAVSIM_SERVER_SIMULATORSERVER_H
+#define TAVSIM_SERVER_SIMULATORSERVER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "model/SimulatedController.h"
+#include "server/Fault.h"
+#include "server/FaultInjector.h"
+#include "server/ServerOptions.h"
+
+namespace tavsim {
+
+class ServerLoop;
+
+// A simulated controller serving the client library's wire protocol over TCP, started in the
+// calling process. It listens as soon as it is constructed and serves any number of clients,
+// each on its own connection, all driving one simulated arm. Every request is answered as
+// soon as it can be: a pending wait_for_motors holds up neither the heart reply nor other
+// commands.
+//
+//   tavsim::SimulatorServer simulator;                  // 127.0.0.1, a free port
+//   robot.RobotLogin("127.0.0.1", static_cast<short>(simulator.Port()));
+//   simulator.Faults().Add(tavsim::Fault::DropReply("get_position"));
+//
+// Destruction (or Stop) closes the listener and every connection and joins the thread.
+class SimulatorServer {
+public:
+  // Throws std::system_error when it cannot listen (address in use, bad host).
+  explicit SimulatorServer(ServerOptions options = {});
+  ~SimulatorServer();
+  SimulatorServer(const SimulatorServer&) = delete;
+  SimulatorServer& operator=(const SimulatorServer&) = delete;
+
+  const std::string& Host() const { return host_; }
+  std::uint16_t Port() const { return port_; }
+  // Client connections open now.
+  std::size_t ConnectionCount() const;
+
+  // Rules that change the replies sent from now on; see Fault.
+  FaultInjector& Faults() { return faults_; }
+  const SimulatedController& Controller() const { return *controller_; }
+
+  // Looks at the controller's clock again at once: call after advancing a ManualClock.
+  void Wake();
+  // Closes every connection and the listener and joins the thread. Idempotent; the
+  // destructor calls it. Call it (and destroy the server) from the thread that owns it.
+  void Stop();
+
+private:
+  std::string host_;
+  std::unique_ptr<SimulatedController> controller_;
+  FaultInjector faults_;
+  std::unique_ptr<ServerLoop> loop_;
+  std::uint16_t port_;
+  std::thread thread_;
+};
+
+}  // namespace tavsim
+
+#endif

@@ -1,0 +1,208 @@
+// The simulator seen from the wire: what it answers to the library's messages, in which
+// order, and what it does with messages it cannot read.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "WireClient.h"
+#include "model/Clock.h"
+#include "server/ServerCodes.h"
+#include "server/SimulatorServer.h"
+#include "support/Polling.h"
+
+namespace {
+
+using tavtest::Message;
+using tavtest::WireClient;
+using namespace std::chrono_literals;
+
+const Message kSetup{{"name", "arm"},
+                     {"parameters", R"({"channel_name": "can0","channel_type": "can","protocol": "canopen","host_id": 1,"baud_rate": 500000})"},
+                     {"virtual", "1"}};
+
+class SimulatorWireTest : public ::testing::Test {
+protected:
+  tavsim::ServerOptions Options() {
+    tavsim::ServerOptions options;
+    options.clock = clock;
+    return options;
+  }
+
+  // A client that has logged in and set the robot up.
+  std::unique_ptr<WireClient> ReadyClient() {
+    auto client = std::make_unique<WireClient>(server.Port());
+    Message reply;
+    EXPECT_TRUE(client->SendClientInfo());
+    EXPECT_TRUE(client->NextDecoded(reply));
+    EXPECT_EQ(Call(*client, "Robot", kSetup)["state"], "0");
+    return client;
+  }
+
+  // Sends a command and returns its reply, which must come next and be accepted.
+  static Message Call(WireClient& client, const std::string& name, const Message& parameters = {}) {
+    Message reply;
+    EXPECT_TRUE(client.ReplyTo(name, client.SendCommand(name, parameters), reply));
+    return reply;
+  }
+
+  std::shared_ptr<tavsim::ManualClock> clock = std::make_shared<tavsim::ManualClock>();
+  tavsim::SimulatorServer server{Options()};
+};
+
+TEST_F(SimulatorWireTest, EveryReplyIsOneTheLibraryAccepts) {
+  WireClient client(server.Port());
+  Message reply;
+  ASSERT_TRUE(client.SendClientInfo());
+  ASSERT_TRUE(client.NextDecoded(reply));
+  EXPECT_EQ(reply["identifier"], "ConnResult");
+  EXPECT_EQ(reply["result"], "0");
+  ASSERT_TRUE(client.SendHeart());
+  ASSERT_TRUE(client.NextDecoded(reply));
+  EXPECT_EQ(reply["identifier"], "heart");
+
+  EXPECT_EQ(Call(client, "get_motor_ids")["result1"], "[]") << "no robot before set-up";
+  EXPECT_EQ(Call(client, "Robot", kSetup)["state"], "0");
+  EXPECT_EQ(Call(client, "get_motor_ids")["result1"], "[1,2,3,4,5,6]");
+
+  // Each command as the library writes it, with the state it must get.
+  const std::vector<std::pair<std::string, Message>> commands{
+      {"get_angles", {{"motor_ids", R"(["1","2","3","4","5","6"])"}}},
+      {"get_velocity", {{"motor_ids", R"(["2"])"}}},
+      {"get_current", {{"motor_ids", R"(["3"])"}}},
+      {"get_position", {}},
+      {"forward", {{"angles", "[0.000000,-90.000000,90.000000,-90.000000,-90.000000,0.000000]"}}},
+      {"inverse", {{"position", "[0.300000,0.200000,0.400000,[3.141593,0.000000,0.000000]]"}}},
+      {"set_output", {{"motor_ids", R"(["1","2"])"}, {"signal", R"({"1": 1,"2": 0})"}}},
+      {"get_input", {{"motor_ids", R"(["1","2"])"}}},
+      {"set_EOAT_action", {{"name", "gripper"}, {"action", "close"}}},
+      {"hold", {{"motor_ids", R"(["1"])"}}},
+      {"move_to_angles",
+       {{"motor_ids", R"(["1"])"}, {"position", "[10.000000]"}, {"velocity", "20.000000"},
+        {"acceleration", "40.000000"}, {"relative", "0"}, {"block", "0"}}},
+      {"stop", {}},
+      {"recover", {}},
+      {"reset", {}},
+      {"calibrate", {}},
+      {"release", {{"motor_ids", R"(["6"])"}}},
+      {"finalize", {}},
+  };
+  for (const auto& [name, parameters] : commands) {
+    const Message answer = Call(client, name, parameters);
+    EXPECT_EQ(answer.at("state"), "0") << name;
+  }
+  EXPECT_EQ(Call(client, "get_input", {{"motor_ids", R"(["1","2"])"}})["state"], "2001051") << "finalized";
+  EXPECT_EQ(Call(client, "no_such_command")["state"], "2001011");
+  EXPECT_EQ(Call(client, "Robot", {{"name", "arm"}})["state"], "2001021");
+}
+
+TEST_F(SimulatorWireTest, PendingWaitHoldsUpNeitherHeartNorOtherCommandsNorOtherClients) {
+  auto client = ReadyClient();
+  const Message move{{"motor_ids", R"(["1"])"}, {"position", "[20.000000]"}, {"velocity", "10.000000"},
+                     {"acceleration", "20.000000"}, {"relative", "0"}, {"block", "0"}};
+  ASSERT_EQ(Call(*client, "move_to_angles", move)["state"], "0");
+  const std::string waitStamp = client->SendCommand("wait_for_motors", {{"motor_ids", R"(["1"])"}});
+  ASSERT_TRUE(client->Silent(100ms));
+
+  Message reply;
+  ASSERT_TRUE(client->SendHeart());
+  ASSERT_TRUE(client->NextDecoded(reply));
+  EXPECT_EQ(reply["identifier"], "heart");
+  EXPECT_EQ(Call(*client, "get_angles", {{"motor_ids", R"(["1"])"}})["result1"], "[0.000000]");
+  WireClient other(server.Port());
+  ASSERT_TRUE(other.SendClientInfo());
+  ASSERT_TRUE(other.NextDecoded(reply));
+
+  clock->advance(1.0);  // 20 degrees at 10 deg/s and 20 deg/s^2 takes 2.5 s
+  server.Wake();
+  ASSERT_TRUE(client->Silent(100ms));
+  clock->advance(1.5);
+  server.Wake();
+  ASSERT_TRUE(client->ReplyTo("wait_for_motors", waitStamp, reply));
+  EXPECT_EQ(reply["state"], "0");
+  EXPECT_EQ(Call(other, "get_angles", {{"motor_ids", R"(["1"])"}})["result1"], "[20.000000]")
+      << "every client drives the same arm";
+}
+
+TEST_F(SimulatorWireTest, ClosingAClientDropsItsPendingWaitAndLeavesOthersServed) {
+  auto first = ReadyClient();
+  auto second = std::make_unique<WireClient>(server.Port());
+  ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 2; }));
+  const Message move{{"motor_ids", R"(["2"])"}, {"position", "[-60.000000]"}, {"velocity", "10.000000"},
+                     {"acceleration", "10.000000"}, {"relative", "0"}, {"block", "0"}};
+  ASSERT_EQ(Call(*first, "move_to_angles", move)["state"], "0");
+  first->SendCommand("wait_for_motors", {});
+  first.reset();
+  ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 1; }));
+  clock->advance(10.0);
+  server.Wake();
+  ASSERT_TRUE(second->SendHeart());
+  Message reply;
+  ASSERT_TRUE(second->NextDecoded(reply));
+  EXPECT_EQ(reply["identifier"], "heart");
+}
+
+TEST_F(SimulatorWireTest, MessagesItCannotReadGetAnErrorOrAChecksumStateAndNoCrash) {
+  WireClient client(server.Port());
+  Message reply;
+  // Not a message the client writes: an Error message the library reads.
+  for (const std::string text : {"<root><x></root>", "<root></root>", "<root><heart>1</heart></root>",
+                                 "<root><head><timestamp>1</timestamp></head></root>"}) {
+    ASSERT_TRUE(client.SendRaw(text));
+    ASSERT_TRUE(client.NextDecoded(reply)) << text;
+    EXPECT_EQ(reply["identifier"], "Error") << text;
+    EXPECT_EQ(reply["errorcode"], std::to_string(tavsim::ServerCodes::kUnreadableMessage)) << text;
+  }
+  // A name the reply could not echo without the library taking it for another message kind.
+  client.SendCommand("HeartBeat");
+  ASSERT_TRUE(client.NextDecoded(reply));
+  EXPECT_EQ(reply["identifier"], "Error");
+
+  // Wrong checksums: answered in kind, and the command is not run.
+  ASSERT_TRUE(client.SendRaw("<root><head><identifier>ClientInfo</identifier></head><ClientInfo><version>0.1.0"
+                             "</version><system>windows</system><language>CPP</language></ClientInfo><tail>"
+                             "<checksum>1</checksum></tail></root>"));
+  ASSERT_TRUE(client.NextDecoded(reply));
+  EXPECT_EQ(reply["result"], std::to_string(tavsim::ServerCodes::kChecksumMismatch));
+  ASSERT_TRUE(client.SendRaw("<root><head><timestamp>9</timestamp><ClientID>x</ClientID></head><function>"
+                             "<parameter><name>arm</name><parameters>{}</parameters><virtual>1</virtual></parameter>"
+                             "<name>Robot</name></function><tail><checksum>0</checksum></tail></root>"));
+  ASSERT_TRUE(client.ReplyTo("Robot", "9", reply));
+  EXPECT_EQ(reply["state"], std::to_string(tavsim::ServerCodes::kChecksumMismatch));
+  EXPECT_EQ(Call(client, "get_motor_ids")["result1"], "[]") << "the set-up was not run";
+
+  // Noise between messages is skipped; a message split across writes is still read.
+  ASSERT_TRUE(client.SendRaw("noise<ro"));
+  ASSERT_TRUE(client.SendRaw("ot><heart /></root>"));
+  ASSERT_TRUE(client.NextDecoded(reply));
+  EXPECT_EQ(reply["identifier"], "heart");
+
+  // A message that never ends: an Error, then the connection is closed.
+  ASSERT_TRUE(client.SendRaw("<root>" + std::string(Options().maxMessageBytes + 1, 'x')));
+  ASSERT_TRUE(client.NextDecoded(reply));
+  EXPECT_EQ(reply["identifier"], "Error");
+  EXPECT_TRUE(client.ClosedByPeer());
+
+  WireClient next(server.Port());
+  ASSERT_TRUE(next.SendHeart());
+  EXPECT_TRUE(next.NextDecoded(reply)) << "the simulator still serves";
+}
+
+TEST_F(SimulatorWireTest, StopClosesEveryConnectionAndReturns) {
+  auto first = ReadyClient();
+  WireClient second(server.Port());
+  const Message move{{"motor_ids", R"(["1"])"}, {"position", "[90.000000]"}, {"velocity", "1.000000"},
+                     {"acceleration", "1.000000"}, {"relative", "0"}, {"block", "0"}};
+  ASSERT_EQ(Call(*first, "move_to_angles", move)["state"], "0");
+  first->SendCommand("wait_for_motors", {});
+  ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 2; }));
+  server.Stop();
+  EXPECT_EQ(server.ConnectionCount(), 0u);
+  EXPECT_TRUE(first->ClosedByPeer());
+  EXPECT_TRUE(second.ClosedByPeer());
+  EXPECT_FALSE(WireClient(server.Port()).Connected()) << "the listener is closed";
+}
+
+}  // namespace

@@ -1,0 +1,63 @@
+#ifndef TAVTEST_SIMULATOR_WIRECLIENT_H
+#define TAVTEST_SIMULATOR_WIRECLIENT_H
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "common/RobotEvent.h"
+#include "core/Connection.h"
+
+namespace tavtest {
+
+using Message = std::map<std::string, std::string>;
+
+// A bare client connection to the simulator on 127.0.0.1 that writes the library's messages
+// (built by its own Parser) and reads replies one framed message at a time, so tests see
+// exactly what the simulator sends and in which order.
+class WireClient {
+public:
+  static constexpr std::chrono::milliseconds kWait{5000};
+
+  explicit WireClient(std::uint16_t port);
+
+  bool Connected() const { return connection_.IsOpen(); }
+  int NativeHandle() const { return connection_.NativeHandle(); }
+
+  bool SendRaw(const std::string& bytes);
+  bool SendHeart();
+  bool SendClientInfo();
+  // Sends command `name` with `parameters`; returns the time stamp it carries.
+  std::string SendCommand(const std::string& name, Message parameters = {});
+
+  // The next message, or a failure when none comes within `wait`.
+  ::testing::AssertionResult Next(std::string& text, std::chrono::milliseconds wait = kWait);
+  // The next message decoded by the library's Parser::unwrap, which must accept it.
+  ::testing::AssertionResult NextDecoded(Message& decoded, std::chrono::milliseconds wait = kWait);
+  // The next message must be the reply to `name` sent with `timestamp`, accepted by the
+  // library; `decoded` gets its content.
+  ::testing::AssertionResult ReplyTo(const std::string& name, const std::string& timestamp, Message& decoded,
+                                     std::chrono::milliseconds wait = kWait);
+  // Nothing arrives within `window`.
+  ::testing::AssertionResult Silent(std::chrono::milliseconds window);
+  // The simulator closes the connection within `wait`, sending nothing more.
+  ::testing::AssertionResult ClosedByPeer(std::chrono::milliseconds wait = kWait);
+
+private:
+  tavsim::Connection connection_;
+  int nextTimestamp_ = 1;
+};
+
+constexpr int kDecodeFailed = RobotEvents::kDecodeFailed;
+
+// Parser::unwrap of one inbound text: its status, and the decoded map in `decoded`. An
+// exception from the parser counts as kDecodeFailed, as in the library's receiver.
+int Unwrap(const std::string& text, Message& decoded);
+
+}  // namespace tavtest
+
+#endif
