@@ -1,0 +1,212 @@
+// The library's Robot against the simulator: whole sessions, the arm's physics as a caller
+// sees it, and injected faults arriving as the library's own codes.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <future>
+#include <string>
+#include <vector>
+
+#include "Robot.h"
+#include "common/RobotEvent.h"
+#include "server/SimulatorServer.h"
+#include "support/Polling.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+const Setup_Param kChannel{"can0", "can", "canopen", 1, 500000};
+constexpr double kPoseTolerance = 1e-4;
+constexpr std::size_t kJoints = 6;
+constexpr int kMotionInterrupted = 2001081;
+
+short PortOf(const tavsim::SimulatorServer& server) {
+  return static_cast<short>(server.Port());
+}
+
+// Angles that differ by whole turns (roll near +pi and -pi) are the same orientation.
+double AngleGap(double a, double b) {
+  return std::remainder(a - b, 2.0 * M_PI);
+}
+
+void ExpectPoseNear(const _Pose& actual, const _Pose& expected, const std::string& what) {
+  EXPECT_NEAR(actual.x, expected.x, kPoseTolerance) << what;
+  EXPECT_NEAR(actual.y, expected.y, kPoseTolerance) << what;
+  EXPECT_NEAR(actual.z, expected.z, kPoseTolerance) << what;
+  EXPECT_NEAR(AngleGap(actual.roll, expected.roll), 0.0, kPoseTolerance) << what << ": roll " << actual.roll;
+  EXPECT_NEAR(AngleGap(actual.pitch, expected.pitch), 0.0, kPoseTolerance) << what << ": pitch " << actual.pitch;
+  EXPECT_NEAR(AngleGap(actual.yaw, expected.yaw), 0.0, kPoseTolerance) << what << ": yaw " << actual.yaw;
+}
+
+// Time of a trapezoidal (or, when the top speed is never reached, triangular) move.
+double ProfileSeconds(double distance, double velocity, double acceleration) {
+  if (distance >= velocity * velocity / acceleration) {
+    return distance / velocity + velocity / acceleration;
+  }
+  return 2.0 * std::sqrt(distance / acceleration);
+}
+
+class RobotOnSimulatorTest : public ::testing::Test {
+protected:
+  void SetUp() override {
+    ASSERT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0);
+    ASSERT_EQ(robot.Setup("arm", kChannel, Setup_Mode::Virtual), 0);
+  }
+  // A Robot still logged in would block its own destruction.
+  void TearDown() override { robot.RobotLogout(); }
+
+  std::vector<double> Angles() {
+    std::vector<double> angles(kJoints);
+    EXPECT_EQ(robot.get_angles(angles.data()), 0);
+    return angles;
+  }
+
+  tavsim::SimulatorServer server;
+  Robot robot;
+};
+
+TEST_F(RobotOnSimulatorTest, SetUpFindsEveryMotor) {
+  size_t count = 0;
+  int ids[10] = {};
+  ASSERT_EQ(robot.get_motor_ids(count, ids), 0);
+  ASSERT_EQ(count, kJoints);
+  EXPECT_EQ(std::vector<int>(ids, ids + count), (std::vector<int>{1, 2, 3, 4, 5, 6}));
+}
+
+TEST_F(RobotOnSimulatorTest, JointMoveReachesItsTargetsInTheTimeItsProfileImplies) {
+  const std::vector<double> start = Angles();
+  const std::vector<double> targets{30.0, -75.0, 60.0, -100.0, -80.0, 15.0};
+  double longest = 0.0;
+  for (std::size_t i = 0; i < kJoints; ++i) {
+    longest = std::max(longest, std::abs(targets[i] - start[i]));
+  }
+  const float velocity = 40.0f;
+  const float acceleration = 80.0f;
+  const int ids[] = {1, 2, 3, 4, 5, 6};
+
+  const auto begin = Clock::now();
+  ASSERT_EQ(robot.move_to_angles(kJoints, ids, targets.data(), velocity, acceleration, Relative_Mode::Absolute), 0);
+  ASSERT_EQ(robot.wait_for_motors(), 0);
+  const double took = std::chrono::duration<double>(Clock::now() - begin).count();
+
+  const double expected = ProfileSeconds(longest, velocity, acceleration);
+  EXPECT_NEAR(took, expected, 0.1 * expected) << "moving " << longest << " degrees";
+  const std::vector<double> arrived = Angles();
+  for (std::size_t i = 0; i < kJoints; ++i) {
+    EXPECT_NEAR(arrived[i], targets[i], 1e-4) << "joint " << i + 1;
+  }
+  double speed = -1.0;
+  ASSERT_EQ(robot.get_velocity(2, speed), 0);
+  EXPECT_EQ(speed, 0.0);
+}
+
+TEST_F(RobotOnSimulatorTest, ForwardOfTheJointsIsThePoseAndInverseRoundTrips) {
+  const std::vector<double> angles = Angles();
+  _Pose pose;
+  _Pose computed;
+  ASSERT_EQ(robot.get_pose(pose), 0);
+  ASSERT_EQ(robot.forward(angles.data(), computed), 0);
+  ExpectPoseNear(computed, pose, "forward of the current joints");
+
+  for (const auto& [dx, dy, dz] : std::vector<std::array<double, 3>>{{0.05, 0.0, 0.0}, {-0.1, 0.08, 0.05}, {0.0, -0.12, -0.1}}) {
+    _Pose target = pose;
+    target.x += dx;
+    target.y += dy;
+    target.z += dz;
+    target.yaw += 0.2;
+    double solution[kJoints + 2] = {};
+    ASSERT_EQ(robot.inverse(target, solution), 0);
+    ASSERT_EQ(robot.forward(solution, computed), 0);
+    ExpectPoseNear(computed, target, "forward of inverse");
+  }
+}
+
+TEST_F(RobotOnSimulatorTest, LinearPathEndsAtItsLastPointAndIoAndGripperRespond) {
+  _Pose start;
+  ASSERT_EQ(robot.get_pose(start), 0);
+  _Pose points[2] = {start, start};
+  points[0].x += 0.05;
+  points[1].x += 0.05;
+  points[1].z -= 0.05;
+  const double radius[2] = {0.0, 0.0};
+  ASSERT_EQ(robot.moveL(2, points, radius, 0.2f, 0.5f, 0.0f, Traj_Close_Mode::Open), 0);
+  ASSERT_EQ(robot.wait_for_motors(), 0);
+  _Pose reached;
+  ASSERT_EQ(robot.get_pose(reached), 0);
+  ExpectPoseNear(reached, points[1], "end of the path");
+
+  ASSERT_EQ(robot.set_output(3, 1), 0);
+  int level = -1;
+  ASSERT_EQ(robot.get_input(3, level), 0);
+  EXPECT_EQ(level, 1) << "outputs are wired back to inputs";
+
+  ASSERT_EQ(robot.set_EOAT_action("gripper", "close"), 0);
+  EXPECT_TRUE(tavtest::PollUntil(3000ms, [&] { return robot.get_input(9, level) == 0 && level == 1; }))
+      << "the gripper's closed sensor";
+  EXPECT_EQ(robot.set_EOAT_action("gripper", "explode"), 2001071);
+}
+
+TEST_F(RobotOnSimulatorTest, PendingWaitHoldsUpNoOtherCallerAndStopEndsIt) {
+  ASSERT_EQ(robot.move_to_angles(1, 60.0, 10.0f, 10.0f, Relative_Mode::Relative), 0);
+  std::future<int> waiting = std::async(std::launch::async, [this] { return robot.wait_for_motors(1); });
+  double angle = 0.0;
+  ASSERT_EQ(robot.get_angles(1, angle), 0);
+  EXPECT_EQ(waiting.wait_for(0ms), std::future_status::timeout) << "the query was answered while the wait pends";
+  ASSERT_EQ(robot.stop(), 0);
+  EXPECT_EQ(waiting.get(), kMotionInterrupted);
+  ASSERT_EQ(robot.move_to_angles(1, 0.0, 10.0f, 10.0f, Relative_Mode::Absolute), 2001051) << "stopped";
+  ASSERT_EQ(robot.recover(), 0);
+}
+
+TEST(RobotFaultTest, InjectedFaultsReachTheCallerAsTheLibrarysCodes) {
+  struct Case {
+    tavsim::Fault fault;
+    int expected;
+  };
+  const std::vector<Case> cases{
+      {tavsim::Fault::ErrorInstead("get_angles", "7"), 7},
+      {tavsim::Fault::CorruptChecksum("get_angles"), RobotEvents::kDecodeFailed},
+      {tavsim::Fault::GarbageInstead("get_angles"), RobotEvents::kDecodeFailed},
+      {tavsim::Fault::CloseConnection("get_angles"), RobotEvents::kReceiveFailed},
+      {tavsim::Fault::SplitReply("get_angles", 4, 30ms), 0},
+      {tavsim::Fault::DelayReply("get_angles", 200ms), 0},
+      {tavsim::Fault::CorruptChecksum("ClientInfo"), RobotEvents::kDecodeFailed},
+  };
+  tavsim::SimulatorServer server;
+  for (const Case& test : cases) {
+    server.Faults().Add(test.fault);
+    Robot robot;
+    int code = robot.RobotLogin("127.0.0.1", PortOf(server));
+    if (code == 0) {
+      code = robot.Setup("arm", kChannel, Setup_Mode::Virtual);
+    }
+    double angle = 0.0;
+    if (code == 0) {
+      code = robot.get_angles(1, angle);
+    }
+    EXPECT_EQ(code, test.expected) << tavsim::Describe(test.fault);
+    robot.RobotLogout();
+  }
+  EXPECT_EQ(server.Faults().Fired(), cases.size());
+}
+
+TEST(RobotMotorCountTest, SetUpDiscoversAsManyMotorsAsTheSimulatorHas) {
+  tavsim::ServerOptions options;
+  options.controller.motorCount = 8;
+  tavsim::SimulatorServer server(options);
+  Robot robot;
+  ASSERT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0);
+  ASSERT_EQ(robot.Setup("arm", kChannel, Setup_Mode::Real), 0);
+  size_t count = 0;
+  int ids[10] = {};
+  EXPECT_EQ(robot.get_motor_ids(count, ids), 0);
+  EXPECT_EQ(count, 8u);
+  robot.RobotLogout();
+}
+
+}  // namespace
