@@ -1,0 +1,143 @@
+#include <chrono>
+#include <functional>
+#include <future>
+#include <string>
+#include <vector>
+
+#include "robot/RobotFixture.h"
+
+namespace {
+
+const std::string kP = "[1.000000,2.000000,3.000000,[0.000000,0.000000,0.000000]]";
+const _Pose kPose{1.0, 2.0, 3.0, 0.0, 0.0, 0.0};
+const int kIds[2] = {1, 2};
+const int kSignals[2] = {0, 1};
+const double kReals[3] = {0.0, 90.0, -0.5};
+const Setup_Param kChannel{"can0", "can", "canopen", 1, 500000};
+
+struct WireCase {
+  std::function<int()> call;
+  std::string wireName;
+  std::string parameters;  // the parameter elements, in key order
+  int checksum;
+};
+
+class RobotCommandTest : public RobotTest {
+protected:
+  // One call of every command and its exact text.
+  std::vector<WireCase> EveryCommand() {
+    Robot& r = robot;
+    return {
+        {[&] { return r.recover(); }, "recover", "", 758},
+        {[&] { return r.stop(); }, "stop", "", 454},
+        {[&] { return r.calibrate(); }, "calibrate", "", 935},
+        {[&] { return r.reset(); }, "reset", "", 547},
+        {[&] { return r.Shutdown(); }, "finalize", "", 850},
+        {[&] { return r.move_to_angles(3, 10.0, 0.5f, 0.25f, Relative_Mode::Relative); }, "move_to_angles",
+         "<acceleration>0.250000</acceleration><block>0</block><motor_ids>[\"3\"]</motor_ids><position>[10.000000]"
+         "</position><relative>1</relative><velocity>0.500000</velocity>", 3281},
+        {[&] { return r.moveL(3, path, kReals, 1.0f, 1.0f, 0.0f, Traj_Close_Mode::Closed); }, "moveL",
+         "<acceleration>1.000000</acceleration><closed>1</closed><interval>0.000000</interval><points>[" + kP + "," +
+         kP + "," + kP + "]</points><radius>[0.000000]</radius><velocity>1.000000</velocity>", 11208},
+        {[&] { return r.moveL(2, path, kReals, 1.0f, 1.0f, 0.0f, Traj_Close_Mode::Open); }, "moveL",
+         "<acceleration>1.000000</acceleration><closed>0</closed><interval>0.000000</interval><points>[" + kP + "," +
+         kP + "]</points><radius>[0.000000,90.000000]</radius><velocity>1.000000</velocity>", 8760},
+        {[&] { return r.moveP(0, path, 1.0f, 1.0f, 0.0f, Traj_Close_Mode::Closed); }, "moveP",
+         "<acceleration>1.000000</acceleration><closed>1</closed><interval>0.000000</interval><points>[]</points>"
+         "<velocity>1.000000</velocity>", 1900},
+        {[&] { return r.move_to_pose(kPose, 0.5f, 0.25f, Relative_Mode::Absolute); }, "move_to_position",
+         "<acceleration>0.250000</acceleration><block>0</block><position>" + kP +
+         "</position><relative>0</relative><velocity>0.500000</velocity>", 5499},
+        {[&] { return r.hold(4); }, "hold", "<motor_ids>[\"4\"]</motor_ids>", 727},
+        {[&] { return r.release(2, kIds); }, "release", "<motor_ids>[\"1\",\"2\"]</motor_ids>", 1200},
+        {[&] { return r.wait_for_motors(6); }, "wait_for_motors", "<motor_ids>[\"6\"]</motor_ids>", 1936},
+        {[&] { return r.set_output(7, 1); }, "set_output", "<motor_ids>[\"7\"]</motor_ids><signal>{\"7\": 1}</signal>",
+         1933},
+        {[&] { return r.set_output(2, kIds, kSignals); }, "set_output",
+         "<motor_ids>[\"1\",\"2\"]</motor_ids><signal>{\"1\": 0,\"2\": 1}</signal>", 2383},
+        {[&] { return r.set_EOAT_action("gripper", "open"); }, "set_EOAT_action",
+         "<action>open</action><name>gripper</name>", 2652},
+        {[&] { return r.get_current(2, value); }, "get_current", "<motor_ids>[\"2\"]</motor_ids>", 1488},
+        {[&] { return r.get_current(2, kIds, values); }, "get_angles", "<motor_ids>[\"1\",\"2\"]</motor_ids>", 1512},
+        {[&] { return r.get_velocity(1, value); }, "get_velocity", "<motor_ids>[\"1\"]</motor_ids>", 1595},
+        {[&] { return r.get_input(2, kIds, inputs); }, "get_input", "<motor_ids>[\"1\",\"2\"]</motor_ids>", 1438},
+        {[&] { return r.get_pose(pose); }, "get_position", "", 1300},
+        {[&] { return r.inverse(kPose, values); }, "inverse", "<position>" + kP + "</position>", 3650},
+    };
+  }
+
+  _Pose path[3] = {kPose, kPose, kPose};
+  _Pose pose;
+  double value = 0.0;
+  double values[8] = {};
+  int inputs[8] = {};
+};
+
+TEST_F(RobotCommandTest, LoginThenEveryCommandSendsItsExactText) {
+  EXPECT_EQ(hello.raw,
+            "<root><head><identifier>ClientInfo</identifier></head><ClientInfo><version>0.1.0</version><system>windows"
+            "</system><language>CPP</language></ClientInfo><tail><checksum>1243</checksum></tail></root>");
+  EXPECT_FALSE(clientId.empty());
+  for (const WireCase& wire : EveryCommand()) {
+    SCOPED_TRACE(wire.wireName);
+    EXPECT_EQ(Exchange(wire.call, wire.wireName, "0", {{"result1", "[1, 2, 3, 4, 5, 6]"}}), 0);
+    EXPECT_EQ(sent.raw, CommandText(wire.parameters, wire.checksum));
+  }
+}
+
+TEST_F(RobotCommandTest, SetupDiscoversTheMotorIdsThatTheAllMotorFormsUse) {
+  size_t count = 99;
+  int ids[16] = {};
+  EXPECT_EQ(robot.get_motor_ids(count, ids), 0);
+  EXPECT_EQ(count, 0u);
+  EXPECT_EQ(Exchange([&] { return robot.hold(); }, "hold"), 0);
+  EXPECT_EQ(sent.raw, CommandText("<motor_ids>[]</motor_ids>", 607));
+  EXPECT_EQ(Exchange([&] { return robot.forward(kReals, pose); }, "forward", "0", {{"result1", "[1,2,3,4,5,6]"}}), 0);
+  EXPECT_EQ(sent.raw, CommandText("<angles>[]</angles>", 941));
+
+  std::future<int> setup = Start([&] { return robot.Setup("arm", kChannel, Setup_Mode::Virtual); });
+  ASSERT_TRUE(Step(controller.ReceiveCommand("Robot", sent)) && Step(controller.Reply(sent)));
+  EXPECT_EQ(sent.raw, CommandText("<name>arm</name><parameters>{\"channel_name\": \"can0\",\"channel_type\": \"can\","
+                                  "\"protocol\": \"canopen\",\"host_id\": 1,\"baud_rate\": 500000}</parameters>"
+                                  "<virtual>1</virtual>", 9125));
+  ASSERT_TRUE(Step(controller.ReceiveCommand("get_motor_ids", sent)));
+  EXPECT_EQ(sent.raw, CommandText("", 1391));
+  ASSERT_TRUE(Step(controller.Reply(sent, "0", {{"result1", "[1, 2, 3, 4, 5, 6]"}})));
+  EXPECT_EQ(setup.get(), 0);
+  robot.get_motor_ids(count, ids);
+  EXPECT_EQ(std::vector<int>(ids, ids + count), (std::vector<int>{1, 2, 3, 4, 5, 6}));
+
+  EXPECT_EQ(Exchange([&] { return robot.get_current(values); }, "get_current", "0", {{"result1", "[0.5]"}}), 0);
+  EXPECT_EQ(sent.parameters["motor_ids"], "[\"1\",\"2\",\"3\",\"4\",\"5\",\"6\"]");
+  const double angles[6] = {0.0, 0.5, 1.0, 1.5, 2.0, 2.5};
+  EXPECT_EQ(Exchange([&] { return robot.forward(angles, pose); }, "forward", "0", {{"result1", "[1,2,3,4,5,6]"}}), 0);
+  EXPECT_EQ(sent.parameters["angles"], "[0.000000,0.500000,1.000000,1.500000,2.000000,2.500000]");
+}
+
+TEST_F(RobotCommandTest, MotorIdsAreTheConsecutiveNumbersNamedInTheReply) {
+  const auto discover = [&](const std::string& list, const std::string& state = "0") {
+    Exchange([&] { return robot._getMotorIds(); }, "get_motor_ids", state, {{"result1", list}});
+    size_t count = 0;
+    int ids[16];
+    robot.get_motor_ids(count, ids);
+    return std::vector<int>(ids, ids + count);
+  };
+  EXPECT_EQ(discover("[1, 2, 4]"), (std::vector<int>{1, 2}));
+  EXPECT_EQ(discover("[10]"), std::vector<int>{1});
+  EXPECT_EQ(discover("[1,2,3,4,5,6,7,8,9,10,11,12]"), (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+  EXPECT_EQ(discover("[3]", "1002"), (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8, 9, 10})) << "a refusal keeps the cache";
+}
+
+// An Error message from the controller fails the session: every command then returns its code
+// at once and sends nothing.
+TEST_F(RobotCommandTest, AFailedSessionAnswersEveryCommandAtOnce) {
+  std::future<int> waiting = Start([&] { return robot.recover(); });
+  ASSERT_TRUE(Step(controller.ReceiveCommand("recover", sent)) && Step(controller.SendError("7")));
+  EXPECT_EQ(waiting.get(), 7);
+  for (const WireCase& wire : EveryCommand()) EXPECT_EQ(wire.call(), 7) << wire.wireName;
+  EXPECT_EQ(robot.Setup("arm", kChannel, Setup_Mode::Real), 7);
+  EXPECT_EQ(robot.get_input(inputs), 7);
+  EXPECT_TRUE(controller.ExpectSilence(std::chrono::milliseconds(300)));
+}
+
+}  // namespace

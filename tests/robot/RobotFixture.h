@@ -1,0 +1,68 @@
+#ifndef TAVTEST_ROBOT_ROBOTFIXTURE_H
+#define TAVTEST_ROBOT_ROBOTFIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <string>
+
+#include "Robot.h"
+#include "common/TavUtils.h"
+#include "support/ScriptedController.h"
+
+// A logged-in Robot facing a scripted controller on 127.0.0.1. Robot calls block until their
+// reply, so each runs on its own thread while the test plays the controller's part.
+class RobotTest : public ::testing::Test {
+protected:
+  using Results = tavtest::ScriptedController::Results;
+
+  void SetUp() override {
+    std::future<int> login = Start([this] { return robot.RobotLogin("127.0.0.1", controller.PortArg()); });
+    if (Step(controller.Accept()) && Step(controller.ReceiveClientInfo(hello))) Step(controller.SendConnResult());
+    ASSERT_EQ(login.get(), 0);
+    robot.GetClientIP(clientId);
+  }
+  // A Robot still logged in would block its own destruction.
+  void TearDown() override { robot.RobotLogout(); }
+
+  template <typename Call>
+  static std::future<int> Start(Call call) {
+    return std::async(std::launch::async, call);
+  }
+
+  // A failed step closes the controller's side, so that a call waiting for its reply returns.
+  bool Step(const ::testing::AssertionResult& step) {
+    EXPECT_TRUE(step);
+    if (!step) controller.Close();
+    return static_cast<bool>(step);
+  }
+
+  // Runs `call` while the controller takes the command `wireName` into `sent` and answers it.
+  // The command must draw exactly one request counter value and carry it.
+  template <typename Call>
+  int Exchange(Call call, const std::string& wireName, const std::string& state = "0", const Results& results = {}) {
+    const int before = GetTimeStamp();
+    std::future<int> result = Start(call);
+    if (Step(controller.ReceiveCommand(wireName, sent))) Step(controller.Reply(sent, state, results));
+    const int code = result.get();
+    EXPECT_EQ(sent.timestamp, std::to_string(before + 1));
+    EXPECT_EQ(GetTimeStamp(), before + 2) << "one counter value per command";
+    return code;
+  }
+
+  // The exact text of the last command sent, from its parameter elements and checksum.
+  std::string CommandText(const std::string& parameters, int checksum) const {
+    return "<root><head><timestamp>" + sent.timestamp + "</timestamp><ClientID>" + clientId +
+           "</ClientID></head><function>" + (parameters.empty() ? "<parameter />" : "<parameter>" + parameters + "</parameter>") +
+           "<name>" + sent.functionName + "</name></function><tail><checksum>" + std::to_string(checksum) +
+           "</checksum></tail></root>";
+  }
+
+  tavtest::ScriptedController controller;
+  Robot robot;
+  tavsim::ClientMessage hello;
+  tavsim::ClientMessage sent;
+  std::string clientId;
+};
+
+#endif
