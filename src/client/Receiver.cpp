@@ -97,9 +97,11 @@ bool Receiver::_work() {
     _report(RobotEvents::kReceiveFailed);
     return true;
   }
+  // A closed peer sends nothing more: report it once and wait, unloaded, for a new connection.
   if (received == 0) {
     if (active) {
-      TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kReceiveFailed, "Receiver thread connection closed by peer.");
+      TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kReceiveFailed,
+                                     "Receiver thread connection closed by peer.");
       Unload();
       _report(RobotEvents::kReceiveFailed);
     }

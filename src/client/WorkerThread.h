@@ -18,8 +18,6 @@
 class WorkerThread : public Tavthread::TavThread {
 public:
   WorkerThread(const char* setupLine, const char* shutdownLine);
-  WorkerThread(const WorkerThread&) = delete;
-  WorkerThread& operator=(const WorkerThread&) = delete;
 
   bool Start();
   void Run() final;

@@ -115,10 +115,15 @@ TEST_F(ReceiverTest, ClosedPeerIsReportedOnce) {
   EXPECT_EQ(1U, EventLog::Count(RobotEvents::kReceiveFailed));
 }
 
-class UnreadableMessageTest : public ReceiverTest, public ::testing::WithParamInterface<std::string> {};
+struct UnreadableMessage {
+  const char* name;
+  std::string text;
+};
+
+class UnreadableMessageTest : public ReceiverTest, public ::testing::WithParamInterface<UnreadableMessage> {};
 
 TEST_P(UnreadableMessageTest, StopsTheReceiverForGood) {
-  ASSERT_TRUE(SendAsOneRead(GetParam()));
+  ASSERT_TRUE(SendAsOneRead(GetParam().text));
   ASSERT_TRUE(EventLog::WaitFor(RobotEvents::kDecodeFailed));
 
   // Loaded again, it still reads nothing: its thread has ended.
@@ -131,8 +136,10 @@ TEST_P(UnreadableMessageTest, StopsTheReceiverForGood) {
 
 INSTANTIATE_TEST_SUITE_P(
     Receiver, UnreadableMessageTest,
-    ::testing::Values(tavsim::CommandReplyMessage({"9", "get_angles", "0", {{"result1", "1,2"}}}, "1"),
-                      std::string("<root><a/></root>")));
+    ::testing::Values(
+        UnreadableMessage{"BadChecksum", tavsim::CommandReplyMessage({"9", "get_angles", "0", {{"result1", "1,2"}}}, "1")},
+        UnreadableMessage{"ParserThrows", "<root><a/></root>"}),
+    [](const ::testing::TestParamInfo<UnreadableMessage>& param) { return std::string(param.param.name); });
 
 TEST(ParserOnTheReceiverThread, SelfClosingTagWithoutBlankThrows) {
   // The second case above relies on this: the parser throws, and the Receiver must not.
