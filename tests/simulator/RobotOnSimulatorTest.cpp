@@ -154,6 +154,8 @@ TEST_F(RobotOnSimulatorTest, LinearPathEndsAtItsLastPointAndIoAndGripperRespond)
 TEST_F(RobotOnSimulatorTest, PendingWaitHoldsUpNoOtherCallerAndStopEndsIt) {
   ASSERT_EQ(robot.move_to_angles(1, 60.0, 10.0f, 10.0f, Relative_Mode::Relative), 0);
   std::future<int> waiting = std::async(std::launch::async, [this] { return robot.wait_for_motors(1); });
+  ASSERT_TRUE(tavtest::PollUntil(5000ms, [this] { return server.Controller().secondsUntilNextCompletion().has_value(); }))
+      << "the wait reached the simulator";
   double angle = 0.0;
   ASSERT_EQ(robot.get_angles(1, angle), 0);
   EXPECT_EQ(waiting.wait_for(0ms), std::future_status::timeout) << "the query was answered while the wait pends";
