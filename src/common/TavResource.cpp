@@ -7,15 +7,18 @@
 #include "common/TavUtils.h"
 
 namespace {
-const char* const kPropertiesFile = "TavClientResource.properties";
 
-// The properties value for the key if the file opened and holds it, else the default.
-std::string Choose(TavProperties& properties, bool opened, const char* key,
-                   const std::string& fallback) {
+constexpr const char* kPropertiesFile = "TavClientResource.properties";
+
+// The value of key when the properties file opened and holds it, otherwise the fallback.
+std::string Configured(TavProperties& properties, bool opened, const char* key, const std::string& fallback) {
   std::string value;
-  if (opened && properties.read(key, &value) == RobotEvents::kSuccess) return value;
+  if (opened && properties.read(key, &value) == RobotEvents::kSuccess) {
+    return value;
+  }
   return fallback;
 }
+
 }  // namespace
 
 TavResource& TavResource::GetInstance() {
@@ -25,23 +28,27 @@ TavResource& TavResource::GetInstance() {
 
 TavResource::TavResource() : loaded(false) {}
 
+TavResource::~TavResource() = default;
+
 int TavResource::Load() {
   std::lock_guard<std::mutex> lock(mutex);
-  const char* homeVariable = std::getenv("HOME");  // unset reads as an empty text
-  home = homeVariable != nullptr ? homeVariable : "";
+  const char* environmentHome = std::getenv("HOME");
+  home = environmentHome != nullptr ? environmentHome : "";
 
   TavProperties properties;
   const bool opened = properties.open(kPropertiesFile) == RobotEvents::kSuccess;
-  if (opened) properties.load();
+  if (opened) {
+    properties.load();
+  }
 
-  basePath = Choose(properties, opened, "TAVCLIENT_PATH", home + "/TavClient");
+  basePath = Configured(properties, opened, "TAVCLIENT_PATH", home + "/TavClient");
   int status = createDirectory(basePath);
   if (status == RobotEvents::kSuccess) {
-    logPath = Choose(properties, opened, "LOG_PATH", basePath + "/log");
+    logPath = Configured(properties, opened, "LOG_PATH", basePath + "/log");
     status = createDirectory(logPath);
   }
   if (status == RobotEvents::kSuccess) {
-    repositoryPath = Choose(properties, opened, "REPOSITORY_PATH", basePath + "/repository");
+    repositoryPath = Configured(properties, opened, "REPOSITORY_PATH", basePath + "/repository");
     status = createDirectory(repositoryPath);
   }
   if (status != RobotEvents::kSuccess) {

@@ -4,30 +4,37 @@
 #include <mutex>
 #include <string>
 
-// Where the library keeps its files: a base directory (from HOME unless the properties file
-// "TavClientResource.properties" in the working directory says otherwise), with log and
-// repository directories. One per process.
+// Where the library keeps its files, worked out once per process: a base directory (from the
+// key "TAVCLIENT_PATH" of "TavClientResource.properties" in the working directory, or HOME +
+// "/TavClient"), a log directory ("LOG_PATH", or base + "/log") and a repository directory
+// ("REPOSITORY_PATH", or base + "/repository").
+//
+// A Client loads on the thread that builds it; a second Client may load again while other
+// threads read the paths, so every access takes the lock.
 class TavResource {
- public:
+public:
   static TavResource& GetInstance();
 
-  // Works the directories out and creates them: 0, or the failing createDirectory status.
-  // An exception from the properties reader passes to the caller.
+  TavResource(const TavResource&) = delete;
+  TavResource& operator=(const TavResource&) = delete;
+
+  // Works the three directories out and creates them. 0, or the failing createDirectory
+  // status (1005011); paths and directories made before a failure stay. A properties file
+  // with any content makes the reader throw std::out_of_range, which passes to the caller
+  // with only the home updated.
   int Load();
 
   bool IsLoaded() const;
+  // HOME as Load read it; empty when unset.
   std::string GetHome() const;
   std::string GetBasePath() const;
   std::string GetLogPath() const;
   std::string GetRepositoryPath() const;
 
-  TavResource(const TavResource&) = delete;
-  TavResource& operator=(const TavResource&) = delete;
-
- private:
+private:
   TavResource();
+  ~TavResource();
 
-  // The logger thread reads the log directory while a later Client may be loading again.
   mutable std::mutex mutex;
   bool loaded;
   std::string home;

@@ -3,24 +3,30 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <climits>
 #include <cstdlib>
 
 int32_t _TavTimeStamp = 0;
 
 namespace {
+
 constexpr int32_t kLastTimeStamp = 10240;
-constexpr std::size_t kMaxPathLength = 256;
+constexpr std::string::size_type kMaxDirectoryPath = 256;
 constexpr mode_t kDirectoryMode = 0775;
 
-bool IsSeparator(char c) { return c == '/' || c == '\\'; }
-
-bool EnsureDirectory(const std::string& path) {
-  return access(path.c_str(), F_OK) == 0 || mkdir(path.c_str(), kDirectoryMode) == 0;
+bool IsSeparator(char c) {
+  return c == '/' || c == '\\';
 }
+
+// A prefix that already exists is left alone; any mkdir failure counts, a lost race included.
+bool EnsureDirectory(const std::string& path) {
+  return ::access(path.c_str(), F_OK) == 0 || ::mkdir(path.c_str(), kDirectoryMode) == 0;
+}
+
 }  // namespace
 
-// The counter stays a plain exported int; the compare-and-swap only keeps two threads from
-// drawing the same number.
+// The counter stays a plain exported int; the compare-and-swap keeps the sequence and hands
+// distinct numbers to callers on different threads.
 int GetTimeStamp() {
   int32_t current = __atomic_load_n(&_TavTimeStamp, __ATOMIC_RELAXED);
   int32_t next;
@@ -32,9 +38,9 @@ int GetTimeStamp() {
 }
 
 void TimeSleep(double seconds) {
-  // A negative (or NaN) time would convert to an enormous unsigned count: it sleeps not at all.
-  if (!(seconds >= 1.0)) return;
-  sleep(static_cast<unsigned>(seconds));
+  if (seconds >= 1.0) {
+    ::sleep(seconds >= static_cast<double>(UINT_MAX) ? UINT_MAX : static_cast<unsigned>(seconds));
+  }
 }
 
 Robot_Event GetRobotEvent(std::string text) {
@@ -42,15 +48,20 @@ Robot_Event GetRobotEvent(std::string text) {
 }
 
 int createDirectory(const std::string& path) {
-  if (path.size() > kMaxPathLength) return RobotEvents::kResourceFailed;
-  if (path.empty()) return RobotEvents::kSuccess;
-
+  if (path.size() > kMaxDirectoryPath) {
+    return RobotEvents::kResourceFailed;
+  }
+  // Each prefix is tested with its trailing separator, "/home/" rather than "/home".
   std::string prefix;
   prefix.reserve(path.size());
-  for (char c : path) {
+  for (const char c : path) {
     prefix.push_back(c);
-    if (IsSeparator(c) && !EnsureDirectory(prefix)) return RobotEvents::kResourceFailed;
+    if (IsSeparator(c) && !EnsureDirectory(prefix)) {
+      return RobotEvents::kResourceFailed;
+    }
   }
-  if (!IsSeparator(path.back()) && !EnsureDirectory(path)) return RobotEvents::kResourceFailed;
+  if (!path.empty() && !IsSeparator(path.back()) && !EnsureDirectory(path)) {
+    return RobotEvents::kResourceFailed;
+  }
   return RobotEvents::kSuccess;
 }
