@@ -3,53 +3,58 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <ctime>
 #include <deque>
 #include <mutex>
 #include <string>
 
-#include "common/LogFormat.h"
+#include "common/LogRecord.h"
 #include "common/RobotEvent.h"
 #include "thread/TavThread.h"
 
-// The process's one logger. Any thread queues a record; the logger's own thread writes one
-// flushed line per record into "<log dir>/<start time>.log", moving on to "-1.log", "-2.log"
-// ... each further hour. Callers never wait for the disk.
+// The library's logger: any thread queues formatted records, and the logger's own thread
+// writes them in queue order, one flushed line each, into the log file (see LogFile) in the
+// log directory of TavResource. Formats follow FormatLogText, not printf.
+//
+// Records queued before the thread starts wait in the queue. At process exit the singleton's
+// destructor stops the thread after it has written everything queued and joins it.
 class TavLogger : public Tavthread::TavThread {
- public:
+public:
   static TavLogger& GetInstance();
 
-  void Info(const char* format, ...);
-  void Warning(Robot_Event event, const char* format, ...);
-  void Error(LogLevel level, Robot_Event event, const char* format, ...);
+  TavLogger(const TavLogger&) = delete;
+  TavLogger& operator=(const TavLogger&) = delete;
 
-  // Marks the logger running and starts its thread, once per process.
+  // Marks the logger running and starts its thread, taking the log directory from TavResource
+  // (so Load comes first). Later calls do nothing while the first thread is there.
   void StartLogging();
 
+  // Level INFO, no event.
+  void Info(const char* format, ...);
+  // Level WARNING with the event.
+  void Warning(Robot_Event event, const char* format, ...);
+  // Level ERROR whatever the level argument, which is kept with the record.
+  void Error(LogLevel level, Robot_Event event, const char* format, ...);
+
+  // The thread body: opens the file, then writes records until stopped and drained.
   void Run() override;
 
-  // Whether a record written at `now` belongs in the next hourly file.
-  static bool RotationDue(std::time_t start, std::time_t now, int counter);
-
+private:
+  TavLogger();
   ~TavLogger() override;
 
- private:
-  struct log_message {
-    LogLevel level;
-    LogLevel detail;
-    Robot_Event event;
-    std::string text;
-  };
-
-  TavLogger();
-  void Enqueue(log_message message);
-  bool NextRecord(log_message& message);
+  void _enqueue(log_message record);
+  // Waits for the next record; false once stopped with nothing left to write.
+  bool _nextRecord(log_message& record);
 
   std::deque<log_message> queue;
   std::mutex mutex;
   std::condition_variable condition;
+  // Set by StartLogging, cleared only by the destructor; changed under the mutex so the
+  // waiting thread cannot miss it.
   std::atomic<bool> running;
-  bool threadStarted;  // guarded by mutex
+  // Guarded by the mutex.
+  bool threadStarted;
+  std::string logDirectory;
 };
 
 #endif

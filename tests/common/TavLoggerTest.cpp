@@ -1,0 +1,167 @@
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "TestHelpers.h"
+#include "common/TavLogger.h"
+#include "common/TavResource.h"
+#include "support/Polling.h"
+#include "support/ProcessProbe.h"
+#include "support/TemporaryDirectory.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Loads the directories under `home` (working there, away from any properties file) and starts
+// the logger.
+void StartLoggingUnder(const std::string& home) {
+  const tavtest::ScopedHome homeVariable(home);
+  const tavtest::WorkingDirectory inside(home);
+  ASSERT_EQ(TavResource::GetInstance().Load(), 0);
+  TavLogger::GetInstance().StartLogging();
+}
+
+// The logger is one per process: the first test that needs it starts it under a HOME of its
+// own, whatever ran before. The directory outlives the logger, which drains at exit.
+const std::string& LoggingHome() {
+  static const tavtest::TemporaryDirectory home;
+  static const bool started = (StartLoggingUnder(home.Path()), true);
+  static_cast<void>(started);
+  return home.Path();
+}
+
+// Each line of the logs under `home` without its time ("YYYY-mm-dd HH:MM:SS "); a line that
+// does not start with one is kept whole behind a "?".
+std::vector<std::string> LoggedTexts(const std::string& home) {
+  std::vector<std::string> texts;
+  std::error_code missing;
+  for (const auto& entry : fs::directory_iterator(home + "/TavClient/log", missing)) {
+    std::ifstream file(entry.path());
+    for (std::string line; std::getline(file, line);) {
+      const bool timed = line.size() >= 20 && line[4] == '-' && line[10] == ' ' && line[16] == ':' && line[19] == ' ';
+      texts.push_back(timed ? line.substr(20) : "?" + line);
+    }
+  }
+  return texts;
+}
+
+// Queues a last record and returns the logged texts once it is written: records are written in
+// queue order, so everything queued before it is there too.
+std::vector<std::string> LoggedThroughNow(const std::string& tag) {
+  TavLogger::GetInstance().Info("%s end", tag.c_str());
+  std::vector<std::string> texts;
+  EXPECT_TRUE(tavtest::PollUntil(std::chrono::seconds(10), [&] {
+    texts = LoggedTexts(LoggingHome());
+    return !texts.empty() && texts.back() == "INFO: " + tag + " end";
+  }));
+  return texts;
+}
+
+// Tells the records of a test from those of earlier runs in the same process.
+std::string Tag() {
+  static int runs = 0;
+  return "run" + std::to_string(++runs);
+}
+
+TEST(TavLoggerTest, WritesTheLevelTheEventAboveInfoAndTheFormattedText) {
+  LoggingHome();
+  const std::string tag = Tag();
+  TavLogger& logger = TavLogger::GetInstance();
+  logger.Info("%s info", tag.c_str());
+  logger.Warning(7, "%s warning", tag.c_str());
+  logger.Error(TAV_FATAL, -1, "%s error", tag.c_str());
+  logger.Info("");
+  logger.Info("%s %5d|%ld|%%d|%c|%f|%s|%u|plain dufsc|100%", tag.c_str(), 42, 42, 7, 'A', 1.5, "text", 3000000000u);
+  const std::vector<std::string> expected{
+      "INFO: " + tag + " info",
+      "WARNING (7): " + tag + " warning",
+      "ERROR (4294967295): " + tag + " error",
+      "INFO: ",
+      "INFO: " + tag + " 542|l42|7|65|1.500000|text|-1294967296|plain dufsc|100",
+      "INFO: " + tag + " end",
+  };
+  const std::vector<std::string> texts = LoggedThroughNow(tag);
+  EXPECT_TRUE(texts.size() >= expected.size() && std::equal(expected.rbegin(), expected.rend(), texts.rbegin()));
+}
+
+TEST(TavLoggerTest, KeepsEveryRecordOfSeveralThreadsInTheirOrder) {
+  LoggingHome();
+  const std::string tag = Tag();
+  constexpr int kThreads = 4;
+  constexpr int kRecords = 100;
+  std::vector<std::thread> producers;
+  for (int t = 0; t < kThreads; ++t) {
+    producers.emplace_back([&tag, t] {
+      for (int i = 0; i < kRecords; ++i) TavLogger::GetInstance().Info("%s %d:%d", tag.c_str(), t, i);
+    });
+  }
+  for (std::thread& producer : producers) producer.join();
+  const std::vector<std::string> texts = LoggedThroughNow(tag);
+  for (int t = 0; t < kThreads; ++t) {
+    std::vector<std::string> ofThread, expected;
+    const std::string head = "INFO: " + tag + " " + std::to_string(t) + ":";
+    std::copy_if(texts.begin(), texts.end(), std::back_inserter(ofThread),
+                 [&](const std::string& text) { return text.compare(0, head.size(), head) == 0; });
+    for (int i = 0; i < kRecords; ++i) expected.push_back(head + std::to_string(i));
+    EXPECT_EQ(ofThread, expected);
+  }
+}
+
+TEST(TavLoggerTest, StartingAgainStartsNoSecondThreadOrFile) {
+  LoggingHome();
+  const std::size_t threads = tavtest::ThreadCount();
+  StartLoggingUnder(LoggingHome());
+  LoggedThroughNow(Tag());
+  EXPECT_EQ(tavtest::ThreadCount(), threads);
+  EXPECT_EQ(std::distance(fs::directory_iterator(LoggingHome() + "/TavClient/log"), fs::directory_iterator()), 1);
+}
+
+// An exit test ends a child process that runs the test program again for that test alone, so
+// its logger is fresh. The child runs the test body from the start too: it inherits the
+// directory the parent made through the environment.
+std::string ExitTestHome() {
+  if (const char* inherited = ::getenv("TAVTEST_EXIT_HOME")) return inherited;
+  std::string name = (fs::temp_directory_path() / "tavclient-exit-XXXXXX").string();
+  EXPECT_NE(::mkdtemp(name.data()), nullptr);
+  ::setenv("TAVTEST_EXIT_HOME", name.c_str(), 1);
+  return name;
+}
+
+TEST(TavLoggerExitTest, WritesEverythingQueuedBeforeTheProcessEnds) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const std::string home = ExitTestHome();
+  constexpr int kRecords = 500;
+  EXPECT_EXIT(
+      {
+        StartLoggingUnder(home);
+        for (int i = 0; i < kRecords; ++i) TavLogger::GetInstance().Info("exit %d", i);
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(0), "");
+  std::vector<std::string> expected;
+  for (int i = 0; i < kRecords; ++i) expected.push_back("INFO: exit " + std::to_string(i));
+  EXPECT_EQ(LoggedTexts(home), expected);
+  fs::remove_all(home);
+  ::unsetenv("TAVTEST_EXIT_HOME");
+}
+
+TEST(TavLoggerExitTest, ALoggerThatNeverStartedDoesNotHoldUpExit) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        TavLogger::GetInstance().Info("queued, never written");
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
