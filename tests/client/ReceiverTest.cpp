@@ -2,6 +2,7 @@
 #include <sys/socket.h>
 
 #include <chrono>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -118,6 +119,8 @@ TEST_F(ReceiverTest, ClosedPeerIsReportedOnce) {
 struct UnreadableMessage {
   const char* name;
   std::string text;
+
+  friend void PrintTo(const UnreadableMessage& message, std::ostream* out) { *out << message.name; }
 };
 
 class UnreadableMessageTest : public ReceiverTest, public ::testing::WithParamInterface<UnreadableMessage> {};
