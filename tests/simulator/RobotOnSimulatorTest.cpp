@@ -94,7 +94,7 @@ TEST_F(RobotOnSimulatorTest, JointMoveReachesItsTargetsInTheTimeItsProfileImplie
   ASSERT_EQ(robot.wait_for_motors(), 0);
   const double took = std::chrono::duration<double>(Clock::now() - begin).count();
 
-  const double expected = ProfileSeconds(longest, velocity, acceleration);
+  const double expected = ProfileSeconds(longest, static_cast<double>(velocity), static_cast<double>(acceleration));
   EXPECT_NEAR(took, expected, 0.1 * expected) << "moving " << longest << " degrees";
   const std::vector<double> arrived = Angles();
   for (std::size_t i = 0; i < kJoints; ++i) {
