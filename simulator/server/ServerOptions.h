@@ -26,7 +26,7 @@ struct ServerOptions {
   // A client that sends this much without ending a message gets an Error and is cut off.
   std::size_t maxMessageBytes = 64 * 1024;
   // Least time between two messages written to one client (see Outbox).
-  std::chrono::milliseconds writeGap{2};
+  std::chrono::milliseconds writeGap{5};
   // One line per connection event and per command; nothing when empty.
   LogSink log;
 };

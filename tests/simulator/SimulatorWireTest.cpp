@@ -1,6 +1,8 @@
 // The simulator seen from the wire: what it answers to the library's messages, in which
 // order, and what it does with messages it cannot read.
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
 
 #include <memory>
 #include <string>
@@ -188,6 +190,25 @@ TEST_F(SimulatorWireTest, MessagesItCannotReadGetAnErrorOrAChecksumStateAndNoCra
   WireClient next(server.Port());
   ASSERT_TRUE(next.SendHeart());
   EXPECT_TRUE(next.NextDecoded(reply)) << "the simulator still serves";
+}
+
+TEST(SimulatorPacingTest, RepliesReadyTogetherAreWrittenApartSoTheClientReadsEachAlone) {
+  tavsim::ServerOptions options;
+  options.writeGap = 200ms;
+  tavsim::SimulatorServer server(options);
+  WireClient client(server.Port());
+  const std::string heart = "<root><heart /></root>";
+  ASSERT_TRUE(client.SendRaw(heart + heart));
+  pollfd readable{client.NativeHandle(), POLLIN, 0};
+  ASSERT_EQ(::poll(&readable, 1, 2000), 1);
+  const auto first = std::chrono::steady_clock::now();
+  char bytes[256] = {};
+  ASSERT_GT(::recv(client.NativeHandle(), bytes, sizeof bytes - 1, MSG_PEEK), 0);
+  EXPECT_EQ(std::string(bytes), "<root><Heart /></root>") << "one reply at a time";
+  Message reply;
+  ASSERT_TRUE(client.NextDecoded(reply));
+  ASSERT_TRUE(client.NextDecoded(reply));
+  EXPECT_GE(std::chrono::steady_clock::now() - first, 190ms);
 }
 
 TEST_F(SimulatorWireTest, StopClosesEveryConnectionAndReturns) {
