@@ -4,6 +4,7 @@
 #include <signal.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <ctime>
 #include <exception>
@@ -58,6 +59,10 @@ int main(int argc, char** argv) {
   sigaddset(&stopSignals, SIGINT);
   sigaddset(&stopSignals, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+  // A shell without job control starts background programs with SIGINT ignored, and an
+  // ignored signal never reaches sigwait.
+  std::signal(SIGINT, SIG_DFL);
+  std::signal(SIGTERM, SIG_DFL);
 
   tavsim::ServerOptions options;
   options.host = line->host;
