@@ -68,7 +68,7 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& argu
 }
 
 std::string Usage(const std::string& program) {
-  return "Usage: " + program + " [--host ADDRESS] [--port PORT] [--motors N] [--fault SPEC]... [--quiet]\n"
+  return "Usage: " + program + " [--host ADDRESS] [--port PORT] [--motors N] [--fault RULE]... [--quiet]\n"
          "\n"
          "A simulated robot-arm controller for the tavclient library: a six-axis arm behind the\n"
          "controller's wire protocol. Point an application at it with RobotLogin(ADDRESS, PORT).\n"
@@ -78,7 +78,7 @@ std::string Usage(const std::string& program) {
          "  --port PORT     TCP port (default " + std::to_string(CommandLine::kDefaultPort) + "; 0 lets the system pick)\n"
          "  --motors N      motors 1..N, of which 1..6 form the arm (default 6, at most " +
          std::to_string(CommandLine::kMaxMotors) + ")\n"
-         "  --fault SPEC    change some replies, to rehearse failures (repeatable):\n"
+         "  --fault RULE    change some replies, to rehearse failures (repeatable):\n"
          "                  KIND[,on=NAME][,times=N|all][,after=N][,ms=N][,pieces=N][,text=TEXT]\n"
          "                  KIND: delay (ms, default 1000), drop, error (text = error code),\n"
          "                  garbage (text = bytes sent instead), checksum (off by one),\n"

@@ -158,8 +158,8 @@ Fault& Fault::After(int count) {
   return *this;
 }
 
-std::optional<Fault> ParseFault(const std::string& spec, std::string& problem) {
-  const std::vector<std::string> parts = SplitAtCommas(spec);
+std::optional<Fault> ParseFault(const std::string& rule, std::string& problem) {
+  const std::vector<std::string> parts = SplitAtCommas(rule);
   std::optional<Fault> fault;
   for (const auto& entry : kKindNames) {
     if (parts[0] == entry.name) {

@@ -54,7 +54,7 @@ extern const char* const kDefaultGarbage;
 // garbage, checksum, split, close; keys are on=NAME, times=N|all, after=N, ms=N, pieces=N,
 // text=TEXT (the error code or the garbage bytes). Nothing, with `problem` set, when the
 // text is not of that form.
-std::optional<Fault> ParseFault(const std::string& spec, std::string& problem);
+std::optional<Fault> ParseFault(const std::string& rule, std::string& problem);
 
 // One line for logs: "delay 500 ms on get_pose, 1 time".
 std::string Describe(const Fault& fault);

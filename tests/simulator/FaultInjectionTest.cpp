@@ -116,7 +116,7 @@ TEST_F(FaultInjectionTest, CloseEndsThatConnectionOnly) {
   EXPECT_TRUE(next.NextDecoded(reply));
 }
 
-TEST(FaultSpecTest, ReadsTheCommandLineFormAndRejectsBadOnes) {
+TEST(FaultRuleTest, ReadsTheCommandLineFormAndRejectsBadOnes) {
   std::string problem;
   const std::optional<Fault> delay = tavsim::ParseFault("delay,on=get_angles,ms=250,times=all,after=2", problem);
   ASSERT_TRUE(delay) << problem;
