@@ -1,5 +1,5 @@
-// Pick a part 10 cm below the tool and place it 15 cm to the side: straight tool moves, the
-// gripper, and a path with a rounded corner.
+// Pick a workpiece up 10 cm below the tool and place it 15 cm to the side: straight tool
+// moves, the gripper, and a path with a rounded corner.
 //   pick_and_place            against a simulator started in this process
 //   pick_and_place HOST PORT  against the controller at HOST:PORT
 #include <cstdio>
