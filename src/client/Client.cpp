@@ -77,6 +77,7 @@ int Client::FinalizeSocket() {
     heart.Disable();
     sender.Unload();
     receiver.Unload();
+    receiver.WakeWaiters();  // a heartbeat still waiting for its reply gives up
     connected = false;
   }
   // The shutdown ends a receive in progress; the workers must be off the descriptor before it
@@ -97,12 +98,16 @@ int Client::AddTasks(Tasks task) {
 }
 
 int Client::GetResult(std::string name, std::map<std::string, std::string>& result) {
+  return _waitReply(name, result, [this] { return status != RobotEvents::kSuccess; });
+}
+
+int Client::_waitReply(const std::string& name, std::map<std::string, std::string>& result,
+                       const std::function<bool()>& abandon) {
   const auto deadline = Receiver::Clock::now() + std::chrono::seconds(kReplyTimeoutSeconds);
   if (status != RobotEvents::kSuccess) {
     return status;
   }
-  const int found =
-      receiver.WaitRecv(name, result, [this] { return status != RobotEvents::kSuccess; }, deadline);
+  const int found = receiver.WaitRecv(name, result, abandon, deadline);
   return found == RobotEvents::kNoReplyYet ? status.load() : found;
 }
 
@@ -144,6 +149,10 @@ void Client::_heartCallback() {
   Tasks heartbeat;
   heartbeat.type = Tasks::kHeartbeat;
   client->AddTasks(heartbeat);
+  // The wait also ends with the heart disabled: after a logout no reply can come, and the
+  // heart thread must be free to stop.
   std::map<std::string, std::string> reply;
-  client->GetResult("heart", reply);
+  client->_waitReply("heart", reply, [client] {
+    return client->status != RobotEvents::kSuccess || !client->heart.IsEnabled();
+  });
 }

@@ -4,6 +4,7 @@
 #include <netinet/in.h>
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -50,6 +51,10 @@ public:
 
 private:
   void _setStatus(Robot_Event event);
+  // Waits for the reply `name` until it is filed, `abandon` holds (the status code is then
+  // returned) or the time-out passes.
+  int _waitReply(const std::string& name, std::map<std::string, std::string>& result,
+                 const std::function<bool()>& abandon);
 
   sockaddr_in serverAddress{};
   int socketFd = -1;

@@ -30,6 +30,10 @@ void Heart::Disable() {
   _setActive(false);
 }
 
+bool Heart::IsEnabled() const {
+  return active;
+}
+
 void Heart::Stop() {
   _requestStop();
   Join();

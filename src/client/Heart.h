@@ -22,6 +22,7 @@ public:
   void HeartEventRegister(void (*callback)());
   void Enable();
   void Disable();
+  bool IsEnabled() const;
   void Stop();
   void _eventCall();
 
