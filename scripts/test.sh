@@ -1,9 +1,23 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the library with its tests and runs them.
+# Installs what is missing, builds the library with its tests and runs them: first the plain
+# build, then the same suite under ThreadSanitizer and under AddressSanitizer with
+# UndefinedBehaviorSanitizer. `--quick` runs the plain build only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
+
 jobs=$(nproc)
-cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
-cmake --build build -j"$jobs"
-ctest --test-dir build --output-on-failure -j"$jobs"
+run_suite() {  # build directory, then extra cmake arguments
+  local dir=$1
+  shift
+  echo "== ${dir}"
+  cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
+  cmake --build "$dir" -j"$jobs"
+  ctest --test-dir "$dir" --output-on-failure -j"$jobs"
+}
+
+run_suite build
+if [ "${1:-}" != "--quick" ]; then
+  run_suite build-tsan -DTAVCLIENT_SANITIZER=thread
+  run_suite build-asan -DTAVCLIENT_SANITIZER=address
+fi
