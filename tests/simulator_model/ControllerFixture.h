@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -13,15 +16,18 @@
 
 namespace tavsim::test {
 
+inline Params motors(const std::string& ids) { return {{"motor_ids", ids}}; }
+
+inline Params moveParams(const std::string& ids, const std::string& positions, const std::string& velocity,
+                         const std::string& acceleration, const std::string& relative = "0") {
+  return {{"motor_ids", ids},  {"position", positions}, {"velocity", velocity},
+          {"acceleration", acceleration}, {"relative", relative}, {"block", "0"}};
+}
+
 // A controller on a manual clock, talked to in the client's own parameter texts.
 class ControllerFixture : public ::testing::Test {
 protected:
-  explicit ControllerFixture(ControllerOptions options = {})
-      : clock(std::make_shared<ManualClock>()), controller(std::move(options), clock) {}
-
-  Reply call(const std::string& name, const Params& params = {}) {
-    return controller.handle(name, params);
-  }
+  Reply call(const std::string& name, const Params& params = {}) { return controller.handle(name, params); }
 
   int state(const std::string& name, const Params& params = {}) {
     Reply reply = call(name, params);
@@ -33,47 +39,25 @@ protected:
   std::vector<double> query(const std::string& name, const Params& params = {}) {
     Reply reply = call(name, params);
     EXPECT_EQ(reply.state, "0") << name;
-    std::string cleaned;
-    for (char c : reply.result1) {
-      if (c != '[' && c != ']' && c != ' ') {
-        cleaned += c;
-      }
-    }
-    std::vector<double> values;
-    std::size_t start = 0;
-    while (start < cleaned.size()) {
-      std::size_t comma = cleaned.find(',', start);
-      values.push_back(std::stod(cleaned.substr(start, comma - start)));
-      start = comma == std::string::npos ? cleaned.size() : comma + 1;
-    }
-    return values;
+    std::replace_if(reply.result1.begin(), reply.result1.end(),
+                    [](char c) { return c == '[' || c == ']' || c == ','; }, ' ');
+    std::istringstream numbers(reply.result1);
+    return {std::istream_iterator<double>(numbers), std::istream_iterator<double>()};
   }
 
   void setUpRobot() {
-    ASSERT_EQ(state("Robot", {{"name", "arm"},
-                              {"parameters", R"({"channel_name": "can0","channel_type": "can",)"
-                                             R"("protocol": "canopen","host_id": 1,"baud_rate": 500000})"},
+    ASSERT_EQ(state("Robot", {{"name", "arm"}, {"parameters", R"({"channel_name": "can0","host_id": 1})"},
                               {"virtual", "1"}}),
               StateCodes::kOk);
   }
 
-  static Params moveParams(const std::string& ids, const std::string& positions,
-                           const std::string& velocity, const std::string& acceleration,
-                           const std::string& relative = "0") {
-    return {{"motor_ids", ids},  {"position", positions}, {"velocity", velocity},
-            {"acceleration", acceleration}, {"relative", relative}, {"block", "0"}};
-  }
+  std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+  SimulatedController controller{{}, clock};
+};
 
-  static std::string numberList(const std::vector<double>& values) {
-    std::string text = "[";
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      text += (i ? "," : "") + std::to_string(values[i]);
-    }
-    return text + "]";
-  }
-
-  std::shared_ptr<ManualClock> clock;
-  SimulatedController controller;
+class ReadyController : public ControllerFixture {
+protected:
+  void SetUp() override { setUpRobot(); }
 };
 
 }  // namespace tavsim::test

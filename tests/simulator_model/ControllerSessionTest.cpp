@@ -8,73 +8,79 @@ namespace {
 
 using Session = ControllerFixture;
 
+struct Refusal {
+  const char* name;
+  Params params;
+  int expected;
+};
+
 TEST_F(Session, MotorIdsAppearWithSetUpAndGoWithFinalize) {
   EXPECT_EQ(call("get_motor_ids").result1, "[]");
-  EXPECT_EQ(state("get_angles", {{"motor_ids", R"(["1"])"}}), StateCodes::kRefusedInState);
+  EXPECT_EQ(state("get_angles", motors(R"(["1"])")), StateCodes::kRefusedInState);
   setUpRobot();
-  Reply ids = call("get_motor_ids");
-  EXPECT_EQ(ids.state, "0");
-  EXPECT_EQ(ids.result1, "[1,2,3,4,5,6]");
+  EXPECT_EQ(call("get_motor_ids").result1, "[1,2,3,4,5,6]");
   EXPECT_EQ(controller.mode(), ControllerMode::Ready);
-
   EXPECT_EQ(state("finalize"), StateCodes::kOk);
   EXPECT_EQ(controller.mode(), ControllerMode::Unconfigured);
   EXPECT_EQ(call("get_motor_ids").result1, "[]");
-  EXPECT_EQ(state("move_to_angles", moveParams(R"(["1"])", "[1.0]", "10", "10")),
-            StateCodes::kRefusedInState);
-}
-
-TEST_F(Session, SetUpChecksItsParameters) {
-  EXPECT_EQ(state("Robot", {{"name", "arm"}, {"parameters", "{not json"}, {"virtual", "0"}}),
-            StateCodes::kBadParameter);
-  EXPECT_EQ(state("Robot", {{"name", "arm"}, {"parameters", "{}"}, {"virtual", "2"}}),
-            StateCodes::kBadParameter);
-  EXPECT_EQ(state("Robot", {{"parameters", "{}"}, {"virtual", "0"}}), StateCodes::kBadParameter);
-  EXPECT_EQ(controller.mode(), ControllerMode::Unconfigured);
-  EXPECT_EQ(state("Robot", {{"name", ""}, {"parameters", "{}"}, {"virtual", "0"}}),
-            StateCodes::kOk);
+  EXPECT_EQ(state("move_to_angles", moveParams(R"(["1"])", "[1.0]", "10", "10")), StateCodes::kRefusedInState);
 }
 
 TEST_F(Session, StopRefusesMotionUntilRecoverButQueriesGoOn) {
   setUpRobot();
   EXPECT_EQ(state("stop"), StateCodes::kOk);
   EXPECT_EQ(controller.mode(), ControllerMode::Stopped);
-  EXPECT_EQ(state("move_to_angles", moveParams(R"(["1"])", "[10.0]", "10", "10")),
-            StateCodes::kRefusedInState);
-  EXPECT_EQ(query("get_angles", {{"motor_ids", R"(["1"])"}}).size(), 1u);
+  EXPECT_EQ(state("move_to_angles", moveParams(R"(["1"])", "[10.0]", "10", "10")), StateCodes::kRefusedInState);
+  EXPECT_EQ(query("get_angles", motors(R"(["1"])")).size(), 1u);
   EXPECT_EQ(state("recover"), StateCodes::kOk);
-  EXPECT_EQ(state("move_to_angles", moveParams(R"(["1"])", "[10.0]", "10", "10")),
-            StateCodes::kOk);
-  // Calibration needs the arm at rest.
-  EXPECT_EQ(state("calibrate"), StateCodes::kRefusedInState);
+  EXPECT_EQ(state("move_to_angles", moveParams(R"(["1"])", "[10.0]", "10", "10")), StateCodes::kOk);
+  EXPECT_EQ(state("calibrate"), StateCodes::kRefusedInState) << "calibration needs the arm at rest";
   clock->advance(5.0);
   EXPECT_EQ(state("calibrate"), StateCodes::kOk);
 }
 
-TEST_F(Session, ErrorCodesForUnknownCommandsMotorsAndBadTexts) {
-  EXPECT_EQ(state("shutdown"), StateCodes::kUnknownCommand);
-  setUpRobot();
-  EXPECT_EQ(state("get_angles", {{"motor_ids", R"(["7"])"}}), StateCodes::kUnknownMotor);
-  EXPECT_EQ(state("hold", {{"motor_ids", R"(["0"])"}}), StateCodes::kUnknownMotor);
-  EXPECT_EQ(state("get_angles", {{"motor_ids", R"(["1")"}}), StateCodes::kBadParameter);
-  EXPECT_EQ(state("get_angles"), StateCodes::kBadParameter);
+TEST_F(Session, BadRequestsGetTheirCodeAndChangeNothing) {
+  auto expectCodes = [this](const std::vector<Refusal>& rows) {
+    for (const Refusal& row : rows) {
+      SCOPED_TRACE(row.name + ::testing::PrintToString(row.params));
+      EXPECT_EQ(state(row.name, row.params), row.expected);
+    }
+  };
+  const int bad = StateCodes::kBadParameter;
+  expectCodes({{"shutdown", {}, StateCodes::kUnknownCommand},
+               {"Robot", {{"name", "arm"}, {"parameters", "{not json"}, {"virtual", "0"}}, bad},
+               {"Robot", {{"name", "arm"}, {"parameters", "{}"}, {"virtual", "2"}}, bad},
+               {"Robot", {{"parameters", "{}"}, {"virtual", "0"}}, bad}});
+  EXPECT_EQ(controller.mode(), ControllerMode::Unconfigured);
+  ASSERT_EQ(state("Robot", {{"name", ""}, {"parameters", "{}"}, {"virtual", "0"}}), StateCodes::kOk);
+  ASSERT_EQ(state("set_output", {{"motor_ids", R"(["2"])"}, {"signal", R"({"2": 1})"}}), StateCodes::kOk);
+
   const char* one = R"(["1"])";
-  EXPECT_EQ(state("move_to_angles", moveParams(one, "[1.0,2.0]", "10", "10")),
-            StateCodes::kBadParameter);
-  EXPECT_EQ(state("move_to_angles", moveParams(one, "[1.0]", "0.000000", "10")),
-            StateCodes::kBadParameter);
-  EXPECT_EQ(state("move_to_angles", moveParams(one, "[1.0]", "10", "10", "2")),
-            StateCodes::kBadParameter);
-  EXPECT_EQ(state("move_to_angles", moveParams(R"(["1","1"])", "[1.0,2.0]", "10", "10")),
-            StateCodes::kBadParameter);
-  EXPECT_EQ(state("move_to_angles", moveParams(one, "[400.0]", "10", "10")),
-            StateCodes::kUnreachable);
-  EXPECT_EQ(state("forward", {{"angles", "[0.0,0.0]"}}), StateCodes::kBadParameter);
-  EXPECT_EQ(state("moveL", {{"points", "[]"}, {"velocity", "0.1"}, {"acceleration", "0.1"},
-                            {"interval", "0"}, {"closed", "0"}}),
-            StateCodes::kBadParameter);  // no "radius"
-  // Nothing moved on any of these.
-  EXPECT_EQ(query("get_velocity", {{"motor_ids", one}}), (std::vector<double>{0.0}));
+  expectCodes({
+      {"get_angles", motors(R"(["7"])"), StateCodes::kUnknownMotor},
+      {"hold", motors(R"(["0"])"), StateCodes::kUnknownMotor},
+      {"get_input", motors(R"(["11"])"), StateCodes::kUnknownMotor},
+      {"get_angles", motors(R"(["1")"), bad},
+      {"get_angles", {}, bad},
+      {"move_to_angles", moveParams(one, "[1.0,2.0]", "10", "10"), bad},
+      {"move_to_angles", moveParams(one, "[1.0]", "0.000000", "10"), bad},
+      {"move_to_angles", moveParams(one, "[1.0]", "10", "10", "2"), bad},
+      {"move_to_angles", moveParams(R"(["1","1"])", "[1.0,2.0]", "10", "10"), bad},
+      {"move_to_angles", moveParams(one, "[400.0]", "10", "10"), StateCodes::kUnreachable},
+      {"move_to_position", {{"position", "[0.0,0.0,0.01,[0.0,0.0,0.0]]"}, {"velocity", "1e400"},
+                            {"acceleration", "1.0"}, {"relative", "1"}, {"block", "0"}}, bad},
+      {"forward", {{"angles", "[0.0,0.0]"}}, bad},
+      {"moveL", {{"points", "[]"}, {"velocity", "0.1"}, {"acceleration", "0.1"}, {"interval", "0"},
+                 {"closed", "0"}}, bad},  // no "radius"
+      {"set_output", {{"motor_ids", R"(["2"])"}, {"signal", R"({"2": 5})"}}, bad},
+      {"set_output", {{"motor_ids", R"(["2"])"}, {"signal", R"({"3": 0})"}}, bad},
+      {"set_output", {{"motor_ids", R"(["2","9"])"}, {"signal", R"({"2": 0,"9": 1})"}}, StateCodes::kUnknownMotor},
+      {"set_EOAT_action", {{"name", "gripper"}, {"action", "twist"}}, StateCodes::kUnknownTool},
+      {"set_EOAT_action", {{"name", "welder"}, {"action", "open"}}, StateCodes::kUnknownTool},
+      {"set_EOAT_action", {{"name", "gripper"}}, bad},
+  });
+  EXPECT_EQ(query("get_velocity", motors(R"(["1","2","3","4","5","6"])")), std::vector<double>(6, 0.0));
+  EXPECT_EQ(call("get_input", motors(R"(["2"])")).result1, "[1]");
 }
 
 TEST(SessionOptions, MotorCountIsConfigurable) {
@@ -84,8 +90,7 @@ TEST(SessionOptions, MotorCountIsConfigurable) {
   controller.handle("Robot", {{"name", "a"}, {"parameters", "{}"}, {"virtual", "0"}});
   EXPECT_EQ(controller.handle("get_motor_ids", {}).result1, "[1,2,3,4,5,6,7,8]");
   // Six arm joints, then the two auxiliary axes.
-  Reply pose = controller.handle("get_position", {});
-  Reply joints = controller.handle("inverse", {{"position", pose.result1}});
+  Reply joints = controller.handle("inverse", {{"position", controller.handle("get_position", {}).result1}});
   EXPECT_EQ(joints.state, "0");
   EXPECT_EQ(std::count(joints.result1.begin(), joints.result1.end(), ','), 7);
 }
