@@ -25,6 +25,12 @@ const Message kSetup{{"name", "arm"},
                      {"parameters", R"({"channel_name": "can0","channel_type": "can","protocol": "canopen","host_id": 1,"baud_rate": 500000})"},
                      {"virtual", "1"}};
 
+// move_to_angles of one motor as the library writes it.
+Message Move(const std::string& motor, const std::string& position, const std::string& speed) {
+  return {{"motor_ids", "[\"" + motor + "\"]"}, {"position", "[" + position + "]"}, {"velocity", speed},
+          {"acceleration", speed}, {"relative", "0"}, {"block", "0"}};
+}
+
 class SimulatorWireTest : public ::testing::Test {
 protected:
   tavsim::ServerOptions Options() {
@@ -33,21 +39,14 @@ protected:
     return options;
   }
 
-  // A client that has logged in and set the robot up.
-  std::unique_ptr<WireClient> ReadyClient() {
+  // A client that has logged in, set the robot up and started a move.
+  std::unique_ptr<WireClient> MovingClient(const std::string& motor, const std::string& position,
+                                           const std::string& speed) {
     auto client = std::make_unique<WireClient>(server.Port());
-    Message reply;
-    EXPECT_TRUE(client->SendClientInfo());
-    EXPECT_TRUE(client->NextDecoded(reply));
-    EXPECT_EQ(Call(*client, "Robot", kSetup)["state"], "0");
+    client->Login();
+    EXPECT_EQ(client->Call("Robot", kSetup)["state"], "0");
+    EXPECT_EQ(client->Call("move_to_angles", Move(motor, position, speed))["state"], "0");
     return client;
-  }
-
-  // Sends a command and returns its reply, which must come next and be accepted.
-  static Message Call(WireClient& client, const std::string& name, const Message& parameters = {}) {
-    Message reply;
-    EXPECT_TRUE(client.ReplyTo(name, client.SendCommand(name, parameters), reply));
-    return reply;
   }
 
   std::shared_ptr<tavsim::ManualClock> clock = std::make_shared<tavsim::ManualClock>();
@@ -56,20 +55,13 @@ protected:
 
 TEST_F(SimulatorWireTest, EveryReplyIsOneTheLibraryAccepts) {
   WireClient client(server.Port());
-  Message reply;
-  ASSERT_TRUE(client.SendClientInfo());
-  ASSERT_TRUE(client.NextDecoded(reply));
-  EXPECT_EQ(reply["identifier"], "ConnResult");
-  EXPECT_EQ(reply["result"], "0");
-  ASSERT_TRUE(client.SendHeart());
-  ASSERT_TRUE(client.NextDecoded(reply));
-  EXPECT_EQ(reply["identifier"], "heart");
+  EXPECT_EQ(client.Login()["result"], "0");
+  ASSERT_TRUE(client.HeartAnswered());
+  EXPECT_EQ(client.Call("get_motor_ids")["result1"], "[]") << "no robot before set-up";
+  EXPECT_EQ(client.Call("Robot", kSetup)["state"], "0");
+  EXPECT_EQ(client.Call("get_motor_ids")["result1"], "[1,2,3,4,5,6]");
 
-  EXPECT_EQ(Call(client, "get_motor_ids")["result1"], "[]") << "no robot before set-up";
-  EXPECT_EQ(Call(client, "Robot", kSetup)["state"], "0");
-  EXPECT_EQ(Call(client, "get_motor_ids")["result1"], "[1,2,3,4,5,6]");
-
-  // Each command as the library writes it, with the state it must get.
+  // Each command as the library writes it; every one succeeds.
   const std::vector<std::pair<std::string, Message>> commands{
       {"get_angles", {{"motor_ids", R"(["1","2","3","4","5","6"])"}}},
       {"get_velocity", {{"motor_ids", R"(["2"])"}}},
@@ -81,9 +73,7 @@ TEST_F(SimulatorWireTest, EveryReplyIsOneTheLibraryAccepts) {
       {"get_input", {{"motor_ids", R"(["1","2"])"}}},
       {"set_EOAT_action", {{"name", "gripper"}, {"action", "close"}}},
       {"hold", {{"motor_ids", R"(["1"])"}}},
-      {"move_to_angles",
-       {{"motor_ids", R"(["1"])"}, {"position", "[10.000000]"}, {"velocity", "20.000000"},
-        {"acceleration", "40.000000"}, {"relative", "0"}, {"block", "0"}}},
+      {"move_to_angles", Move("1", "10.000000", "20.000000")},
       {"stop", {}},
       {"recover", {}},
       {"reset", {}},
@@ -92,58 +82,56 @@ TEST_F(SimulatorWireTest, EveryReplyIsOneTheLibraryAccepts) {
       {"finalize", {}},
   };
   for (const auto& [name, parameters] : commands) {
-    const Message answer = Call(client, name, parameters);
-    EXPECT_EQ(answer.at("state"), "0") << name;
+    EXPECT_EQ(client.Call(name, parameters)["state"], "0") << name;
   }
-  EXPECT_EQ(Call(client, "get_input", {{"motor_ids", R"(["1","2"])"}})["state"], "2001051") << "finalized";
-  EXPECT_EQ(Call(client, "no_such_command")["state"], "2001011");
-  EXPECT_EQ(Call(client, "Robot", {{"name", "arm"}})["state"], "2001021");
+  EXPECT_EQ(client.Call("get_input", {{"motor_ids", R"(["1","2"])"}})["state"], "2001051") << "finalized";
+  EXPECT_EQ(client.Call("no_such_command")["state"], "2001011");
+  EXPECT_EQ(client.Call("Robot", {{"name", "arm"}})["state"], "2001021");
 }
 
 TEST_F(SimulatorWireTest, PendingWaitHoldsUpNeitherHeartNorOtherCommandsNorOtherClients) {
-  auto client = ReadyClient();
-  const Message move{{"motor_ids", R"(["1"])"}, {"position", "[20.000000]"}, {"velocity", "10.000000"},
-                     {"acceleration", "20.000000"}, {"relative", "0"}, {"block", "0"}};
-  ASSERT_EQ(Call(*client, "move_to_angles", move)["state"], "0");
+  auto client = MovingClient("1", "20.000000", "20.000000");  // 20 degrees at 20 deg/s and 20 deg/s^2: 2 s
   const std::string waitStamp = client->SendCommand("wait_for_motors", {{"motor_ids", R"(["1"])"}});
   ASSERT_TRUE(client->Silent(100ms));
-
-  Message reply;
-  ASSERT_TRUE(client->SendHeart());
-  ASSERT_TRUE(client->NextDecoded(reply));
-  EXPECT_EQ(reply["identifier"], "heart");
-  EXPECT_EQ(Call(*client, "get_angles", {{"motor_ids", R"(["1"])"}})["result1"], "[0.000000]");
+  ASSERT_TRUE(client->HeartAnswered());
+  EXPECT_EQ(client->Call("get_angles", {{"motor_ids", R"(["1"])"}})["result1"], "[0.000000]");
   WireClient other(server.Port());
-  ASSERT_TRUE(other.SendClientInfo());
-  ASSERT_TRUE(other.NextDecoded(reply));
+  other.Login();
 
-  clock->advance(1.0);  // 20 degrees at 10 deg/s and 20 deg/s^2 takes 2.5 s
+  clock->advance(1.0);
   server.Wake();
   ASSERT_TRUE(client->Silent(100ms));
   clock->advance(1.5);
   server.Wake();
+  Message reply;
   ASSERT_TRUE(client->ReplyTo("wait_for_motors", waitStamp, reply));
   EXPECT_EQ(reply["state"], "0");
-  EXPECT_EQ(Call(other, "get_angles", {{"motor_ids", R"(["1"])"}})["result1"], "[20.000000]")
+  EXPECT_EQ(other.Call("get_angles", {{"motor_ids", R"(["1"])"}})["result1"], "[20.000000]")
       << "every client drives the same arm";
 }
 
 TEST_F(SimulatorWireTest, ClosingAClientDropsItsPendingWaitAndLeavesOthersServed) {
-  auto first = ReadyClient();
-  auto second = std::make_unique<WireClient>(server.Port());
-  ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 2; }));
-  const Message move{{"motor_ids", R"(["2"])"}, {"position", "[-60.000000]"}, {"velocity", "10.000000"},
-                     {"acceleration", "10.000000"}, {"relative", "0"}, {"block", "0"}};
-  ASSERT_EQ(Call(*first, "move_to_angles", move)["state"], "0");
+  auto first = MovingClient("2", "-60.000000", "10.000000");
+  WireClient second(server.Port());
   first->SendCommand("wait_for_motors", {});
+  ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 2; }));
   first.reset();
   ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 1; }));
   clock->advance(10.0);
   server.Wake();
-  ASSERT_TRUE(second->SendHeart());
-  Message reply;
-  ASSERT_TRUE(second->NextDecoded(reply));
-  EXPECT_EQ(reply["identifier"], "heart");
+  EXPECT_TRUE(second.HeartAnswered());
+}
+
+TEST_F(SimulatorWireTest, StopClosesEveryConnectionAndReturns) {
+  auto first = MovingClient("1", "90.000000", "1.000000");
+  WireClient second(server.Port());
+  first->SendCommand("wait_for_motors", {});
+  ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 2; }));
+  server.Stop();
+  EXPECT_EQ(server.ConnectionCount(), 0u);
+  EXPECT_TRUE(first->ClosedByPeer());
+  EXPECT_TRUE(second.ClosedByPeer());
+  EXPECT_FALSE(WireClient(server.Port()).Connected()) << "the listener is closed";
 }
 
 TEST_F(SimulatorWireTest, MessagesItCannotReadGetAnErrorOrAChecksumStateAndNoCrash) {
@@ -173,7 +161,7 @@ TEST_F(SimulatorWireTest, MessagesItCannotReadGetAnErrorOrAChecksumStateAndNoCra
                              "<name>Robot</name></function><tail><checksum>0</checksum></tail></root>"));
   ASSERT_TRUE(client.ReplyTo("Robot", "9", reply));
   EXPECT_EQ(reply["state"], std::to_string(tavsim::ServerCodes::kChecksumMismatch));
-  EXPECT_EQ(Call(client, "get_motor_ids")["result1"], "[]") << "the set-up was not run";
+  EXPECT_EQ(client.Call("get_motor_ids")["result1"], "[]") << "the set-up was not run";
 
   // Noise between messages is skipped; a message split across writes is still read.
   ASSERT_TRUE(client.SendRaw("noise<ro"));
@@ -186,10 +174,7 @@ TEST_F(SimulatorWireTest, MessagesItCannotReadGetAnErrorOrAChecksumStateAndNoCra
   ASSERT_TRUE(client.NextDecoded(reply));
   EXPECT_EQ(reply["identifier"], "Error");
   EXPECT_TRUE(client.ClosedByPeer());
-
-  WireClient next(server.Port());
-  ASSERT_TRUE(next.SendHeart());
-  EXPECT_TRUE(next.NextDecoded(reply)) << "the simulator still serves";
+  EXPECT_TRUE(WireClient(server.Port()).HeartAnswered()) << "the simulator still serves";
 }
 
 TEST(SimulatorPacingTest, RepliesReadyTogetherAreWrittenApartSoTheClientReadsEachAlone) {
@@ -209,21 +194,6 @@ TEST(SimulatorPacingTest, RepliesReadyTogetherAreWrittenApartSoTheClientReadsEac
   ASSERT_TRUE(client.NextDecoded(reply));
   ASSERT_TRUE(client.NextDecoded(reply));
   EXPECT_GE(std::chrono::steady_clock::now() - first, 190ms);
-}
-
-TEST_F(SimulatorWireTest, StopClosesEveryConnectionAndReturns) {
-  auto first = ReadyClient();
-  WireClient second(server.Port());
-  const Message move{{"motor_ids", R"(["1"])"}, {"position", "[90.000000]"}, {"velocity", "1.000000"},
-                     {"acceleration", "1.000000"}, {"relative", "0"}, {"block", "0"}};
-  ASSERT_EQ(Call(*first, "move_to_angles", move)["state"], "0");
-  first->SendCommand("wait_for_motors", {});
-  ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 2; }));
-  server.Stop();
-  EXPECT_EQ(server.ConnectionCount(), 0u);
-  EXPECT_TRUE(first->ClosedByPeer());
-  EXPECT_TRUE(second.ClosedByPeer());
-  EXPECT_FALSE(WireClient(server.Port()).Connected()) << "the listener is closed";
 }
 
 }  // namespace

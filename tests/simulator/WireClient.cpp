@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "common/RobotEvent.h"
 #include "protocol/Parser.h"
 #include "support/ClientSocket.h"
 
@@ -13,23 +14,10 @@ using ::testing::AssertionSuccess;
 
 WireClient::WireClient(std::uint16_t port) : connection_(ConnectLoopback(port)) {}
 
-bool WireClient::SendRaw(const std::string& bytes) {
-  return connection_.Write(bytes);
-}
-
 bool WireClient::SendHeart() {
-  Parser parser;
   Message none;
   std::string text;
-  parser.wrap_heart(text, none);
-  return SendRaw(text);
-}
-
-bool WireClient::SendClientInfo() {
-  Parser parser;
-  Message info{{"identifier", "ClientInfo"}, {"version", "0.1.0"}, {"system", "windows"}, {"language", "CPP"}};
-  std::string text;
-  parser.wrap_clientinfo(text, info);
+  Parser().wrap_heart(text, none);
   return SendRaw(text);
 }
 
@@ -38,11 +26,41 @@ std::string WireClient::SendCommand(const std::string& name, Message parameters)
   parameters["timestamp"] = timestamp;
   parameters["ClientID"] = "127.0.0.1";
   parameters["function_name"] = name;
-  Parser parser;
   std::string text;
-  parser.wrap_msg(text, parameters);
+  Parser().wrap_msg(text, parameters);
   SendRaw(text);
   return timestamp;
+}
+
+Message WireClient::Login() {
+  Message info{{"identifier", "ClientInfo"}, {"version", "0.1.0"}, {"system", "windows"}, {"language", "CPP"}};
+  std::string text;
+  Parser().wrap_clientinfo(text, info);
+  Message reply;
+  EXPECT_TRUE(SendRaw(text));
+  EXPECT_TRUE(NextDecoded(reply));
+  EXPECT_EQ(reply["identifier"], "ConnResult");
+  return reply;
+}
+
+Message WireClient::Call(const std::string& name, const Message& parameters) {
+  Message reply;
+  EXPECT_TRUE(ReplyTo(name, SendCommand(name, parameters), reply));
+  return reply;
+}
+
+AssertionResult WireClient::HeartAnswered() {
+  Message reply;
+  if (!SendHeart()) {
+    return AssertionFailure() << "the heart could not be sent";
+  }
+  if (AssertionResult received = NextDecoded(reply); !received) {
+    return received;
+  }
+  if (reply["identifier"] != "heart") {
+    return AssertionFailure() << "expected the heart reply, got " << reply["identifier"];
+  }
+  return AssertionSuccess();
 }
 
 AssertionResult WireClient::Next(std::string& text, std::chrono::milliseconds wait) {
@@ -87,9 +105,8 @@ AssertionResult WireClient::Silent(std::chrono::milliseconds window) {
 }
 
 AssertionResult WireClient::ClosedByPeer(std::chrono::milliseconds wait) {
-  std::string text;
-  if (Next(text, wait)) {
-    return AssertionFailure() << "expected the connection to close, got " << text;
+  if (AssertionResult silent = Silent(wait); !silent) {
+    return silent;
   }
   if (!connection_.PeerClosed()) {
     return AssertionFailure() << "the connection is still open after " << wait.count() << " ms";
@@ -98,12 +115,11 @@ AssertionResult WireClient::ClosedByPeer(std::chrono::milliseconds wait) {
 }
 
 int Unwrap(const std::string& text, Message& decoded) {
-  Parser parser;
   std::string copy = text;
   try {
-    return parser.unwrap(decoded, copy);
+    return Parser().unwrap(decoded, copy);
   } catch (const std::exception&) {
-    return kDecodeFailed;  // as the library's receiver counts it
+    return RobotEvents::kDecodeFailed;
   }
 }
 

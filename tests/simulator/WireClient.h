@@ -6,10 +6,8 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 
-#include "common/RobotEvent.h"
 #include "core/Connection.h"
 
 namespace tavtest {
@@ -28,18 +26,23 @@ public:
   bool Connected() const { return connection_.IsOpen(); }
   int NativeHandle() const { return connection_.NativeHandle(); }
 
-  bool SendRaw(const std::string& bytes);
+  bool SendRaw(const std::string& bytes) { return connection_.Write(bytes); }
   bool SendHeart();
-  bool SendClientInfo();
   // Sends command `name` with `parameters`; returns the time stamp it carries.
   std::string SendCommand(const std::string& name, Message parameters = {});
+
+  // Each of these needs the next message to be the expected one, accepted by the library's
+  // Parser::unwrap, and returns its content (empty on failure, which is recorded).
+  Message Login();
+  Message Call(const std::string& name, const Message& parameters = {});
+  // A heart is sent and its reply is the next message.
+  ::testing::AssertionResult HeartAnswered();
 
   // The next message, or a failure when none comes within `wait`.
   ::testing::AssertionResult Next(std::string& text, std::chrono::milliseconds wait = kWait);
   // The next message decoded by the library's Parser::unwrap, which must accept it.
   ::testing::AssertionResult NextDecoded(Message& decoded, std::chrono::milliseconds wait = kWait);
-  // The next message must be the reply to `name` sent with `timestamp`, accepted by the
-  // library; `decoded` gets its content.
+  // The next message must be the reply to `name` sent with `timestamp`.
   ::testing::AssertionResult ReplyTo(const std::string& name, const std::string& timestamp, Message& decoded,
                                      std::chrono::milliseconds wait = kWait);
   // Nothing arrives within `window`.
@@ -52,10 +55,8 @@ private:
   int nextTimestamp_ = 1;
 };
 
-constexpr int kDecodeFailed = RobotEvents::kDecodeFailed;
-
 // Parser::unwrap of one inbound text: its status, and the decoded map in `decoded`. An
-// exception from the parser counts as kDecodeFailed, as in the library's receiver.
+// exception from the parser counts as a decode failure, as in the library's receiver.
 int Unwrap(const std::string& text, Message& decoded);
 
 }  // namespace tavtest
