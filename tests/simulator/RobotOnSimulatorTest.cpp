@@ -36,12 +36,13 @@ double AngleGap(double a, double b) {
 }
 
 void ExpectPoseNear(const _Pose& actual, const _Pose& expected, const std::string& what) {
-  EXPECT_NEAR(actual.x, expected.x, kPoseTolerance) << what;
-  EXPECT_NEAR(actual.y, expected.y, kPoseTolerance) << what;
-  EXPECT_NEAR(actual.z, expected.z, kPoseTolerance) << what;
-  EXPECT_NEAR(AngleGap(actual.roll, expected.roll), 0.0, kPoseTolerance) << what << ": roll " << actual.roll;
-  EXPECT_NEAR(AngleGap(actual.pitch, expected.pitch), 0.0, kPoseTolerance) << what << ": pitch " << actual.pitch;
-  EXPECT_NEAR(AngleGap(actual.yaw, expected.yaw), 0.0, kPoseTolerance) << what << ": yaw " << actual.yaw;
+  const double gaps[] = {actual.x - expected.x, actual.y - expected.y, actual.z - expected.z,
+                         AngleGap(actual.roll, expected.roll), AngleGap(actual.pitch, expected.pitch),
+                         AngleGap(actual.yaw, expected.yaw)};
+  const char* const names[] = {"x", "y", "z", "roll", "pitch", "yaw"};
+  for (std::size_t i = 0; i < 6; ++i) {
+    EXPECT_NEAR(gaps[i], 0.0, kPoseTolerance) << what << ": " << names[i];
+  }
 }
 
 // Time of a trapezoidal (or, when the top speed is never reached, triangular) move.

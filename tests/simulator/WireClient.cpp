@@ -1,5 +1,8 @@
 #include "WireClient.h"
 
+#include <poll.h>
+#include <sys/socket.h>
+
 #include <exception>
 
 #include "common/RobotEvent.h"
@@ -37,30 +40,19 @@ Message WireClient::Login() {
   std::string text;
   Parser().wrap_clientinfo(text, info);
   Message reply;
-  EXPECT_TRUE(SendRaw(text));
-  EXPECT_TRUE(NextDecoded(reply));
-  EXPECT_EQ(reply["identifier"], "ConnResult");
+  EXPECT_TRUE(SendRaw(text) && NextIs("ConnResult", reply));
   return reply;
 }
 
 Message WireClient::Call(const std::string& name, const Message& parameters) {
   Message reply;
-  EXPECT_TRUE(ReplyTo(name, SendCommand(name, parameters), reply));
+  EXPECT_TRUE(NextIs(name + SendCommand(name, parameters), reply));
   return reply;
 }
 
 AssertionResult WireClient::HeartAnswered() {
   Message reply;
-  if (!SendHeart()) {
-    return AssertionFailure() << "the heart could not be sent";
-  }
-  if (AssertionResult received = NextDecoded(reply); !received) {
-    return received;
-  }
-  if (reply["identifier"] != "heart") {
-    return AssertionFailure() << "expected the heart reply, got " << reply["identifier"];
-  }
-  return AssertionSuccess();
+  return SendHeart() ? NextIs("heart", reply) : AssertionFailure() << "the heart could not be sent";
 }
 
 AssertionResult WireClient::Next(std::string& text, std::chrono::milliseconds wait) {
@@ -73,7 +65,7 @@ AssertionResult WireClient::Next(std::string& text, std::chrono::milliseconds wa
   return AssertionSuccess();
 }
 
-AssertionResult WireClient::NextDecoded(Message& decoded, std::chrono::milliseconds wait) {
+AssertionResult WireClient::NextIs(const std::string& identifier, Message& decoded, std::chrono::milliseconds wait) {
   std::string text;
   if (AssertionResult received = Next(text, wait); !received) {
     return received;
@@ -82,18 +74,20 @@ AssertionResult WireClient::NextDecoded(Message& decoded, std::chrono::milliseco
   if (const int status = Unwrap(text, decoded); status != 0) {
     return AssertionFailure() << "the library rejects " << text << " with " << status;
   }
+  if (decoded["identifier"] != identifier) {
+    return AssertionFailure() << "expected " << identifier << ", got " << text;
+  }
   return AssertionSuccess();
 }
 
-AssertionResult WireClient::ReplyTo(const std::string& name, const std::string& timestamp, Message& decoded,
-                                    std::chrono::milliseconds wait) {
-  if (AssertionResult received = NextDecoded(decoded, wait); !received) {
-    return received;
+std::string WireClient::Peek() {
+  pollfd readable{connection_.NativeHandle(), POLLIN, 0};
+  char bytes[512] = {};
+  if (::poll(&readable, 1, static_cast<int>(kWait.count())) != 1 ||
+      ::recv(connection_.NativeHandle(), bytes, sizeof bytes - 1, MSG_PEEK) <= 0) {
+    ADD_FAILURE() << "nothing arrived";
   }
-  if (decoded["identifier"] != name + timestamp) {
-    return AssertionFailure() << "expected the reply " << name + timestamp << ", got " << decoded["identifier"];
-  }
-  return AssertionSuccess();
+  return bytes;
 }
 
 AssertionResult WireClient::Silent(std::chrono::milliseconds window) {

@@ -24,27 +24,26 @@ public:
   explicit WireClient(std::uint16_t port);
 
   bool Connected() const { return connection_.IsOpen(); }
-  int NativeHandle() const { return connection_.NativeHandle(); }
 
   bool SendRaw(const std::string& bytes) { return connection_.Write(bytes); }
   bool SendHeart();
   // Sends command `name` with `parameters`; returns the time stamp it carries.
   std::string SendCommand(const std::string& name, Message parameters = {});
 
-  // Each of these needs the next message to be the expected one, accepted by the library's
-  // Parser::unwrap, and returns its content (empty on failure, which is recorded).
+  // Log-in, command and heart whose reply must come next, accepted by the library's
+  // Parser::unwrap; the first two return its content (empty on a recorded failure).
   Message Login();
   Message Call(const std::string& name, const Message& parameters = {});
-  // A heart is sent and its reply is the next message.
   ::testing::AssertionResult HeartAnswered();
 
   // The next message, or a failure when none comes within `wait`.
   ::testing::AssertionResult Next(std::string& text, std::chrono::milliseconds wait = kWait);
-  // The next message decoded by the library's Parser::unwrap, which must accept it.
-  ::testing::AssertionResult NextDecoded(Message& decoded, std::chrono::milliseconds wait = kWait);
-  // The next message must be the reply to `name` sent with `timestamp`.
-  ::testing::AssertionResult ReplyTo(const std::string& name, const std::string& timestamp, Message& decoded,
-                                     std::chrono::milliseconds wait = kWait);
+  // The next message must be accepted by the library's Parser::unwrap, decoded into `decoded`,
+  // and be `identifier` (a command reply's is its name and time stamp).
+  ::testing::AssertionResult NextIs(const std::string& identifier, Message& decoded,
+                                    std::chrono::milliseconds wait = kWait);
+  // The bytes that have arrived once any have, left unread.
+  std::string Peek();
   // Nothing arrives within `window`.
   ::testing::AssertionResult Silent(std::chrono::milliseconds window);
   // The simulator closes the connection within `wait`, sending nothing more.

@@ -5,16 +5,11 @@ set -euo pipefail
 program="$1"
 work=$(mktemp -d)
 pid=""
-cleanup() {
-  [ -n "$pid" ] && kill "$pid" 2>/dev/null || true
-  rm -rf "$work"
-}
-trap cleanup EXIT
+fail() { echo "FAIL: $*"; cat "$work/log" 2>/dev/null || true; exit 1; }
+trap '[ -n "$pid" ] && kill "$pid" 2>/dev/null; rm -rf "$work"' EXIT
 
 "$program" --help | grep -q -- "--port PORT"
-if "$program" --motors 11 2>"$work/error"; then
-  echo "FAIL: --motors 11 was accepted"; exit 1
-fi
+! "$program" --motors 11 2>"$work/error" || fail "--motors 11 was accepted"
 grep -q "bad value for --motors" "$work/error"
 
 "$program" --port 0 --motors 7 >"$work/log" 2>&1 &
@@ -24,19 +19,19 @@ for _ in $(seq 200); do
   sleep 0.05
 done
 port=$(sed -n 's/.*listening on 127\.0\.0\.1:\([0-9]*\) .*/\1/p' "$work/log")
-[ -n "$port" ] || { echo "FAIL: no port in the log:"; cat "$work/log"; exit 1; }
+[ -n "$port" ] || fail "no port in the log"
 
 exec 3<>"/dev/tcp/127.0.0.1/$port"
 printf '<root><heart /></root>' >&3
 read -r -t 5 -N 22 reply <&3
 exec 3<&-
-[ "$reply" = "<root><Heart /></root>" ] || { echo "FAIL: heart reply was '$reply'"; exit 1; }
+[ "$reply" = "<root><Heart /></root>" ] || fail "heart reply was '$reply'"
 
 kill -INT "$pid"
 status=0
 wait "$pid" || status=$?
 pid=""
-[ "$status" -eq 0 ] || { echo "FAIL: exit status $status after SIGINT"; cat "$work/log"; exit 1; }
+[ "$status" -eq 0 ] || fail "exit status $status after SIGINT"
 grep -q "\[conn 1\] connected from 127.0.0.1" "$work/log"
 grep -q "with 7 motors" "$work/log"
 grep -q "tavsim: stopped" "$work/log"

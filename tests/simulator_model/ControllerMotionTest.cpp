@@ -10,23 +10,16 @@ const char* const kOne = R"(["1"])";
 TEST_F(Motion, MoveTakesTheTimeItsLimitsImplyAndWaitEndsOnArrival) {
   const double resting = query("get_current", motors(kOne))[0];
   EXPECT_NEAR(resting, CurrentModel::kIdleAmps, 1e-9);  // vertical axis: no gravity load
-  EXPECT_GT(query("get_current", motors(R"(["2"])"))[0], resting + 0.5) << "the shoulder carries the arm";
-
   // 90 degrees at 30 deg/s with 60 deg/s^2: 0.5 s ramps and 2.5 s cruise.
   ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.000000]", "30.000000", "60.000000")), StateCodes::kOk);
   Reply wait = call("wait_for_motors", motors(kOne));
   ASSERT_TRUE(wait.pending());
   EXPECT_NEAR(controller.secondsUntilNextCompletion().value(), 3.5, 1e-9);
-  clock->advance(0.25);
-  const double accelerating = query("get_current", motors(kOne))[0];
-  clock->advance(1.5);
+  clock->advance(1.75);
   EXPECT_TRUE(controller.poll().empty());
   EXPECT_NEAR(query("get_velocity", motors(kOne))[0], 30.0, 1e-3);
   EXPECT_NEAR(query("get_angles", motors(kOne))[0], 45.0, 1e-6);
-  const double cruising = query("get_current", motors(kOne))[0];
-  EXPECT_GT(accelerating, cruising);
-  EXPECT_GT(cruising, resting);
-
+  EXPECT_GT(query("get_current", motors(kOne))[0], resting);
   clock->advance(3.5 * 0.95 - 1.75);
   EXPECT_TRUE(controller.poll().empty());
   EXPECT_GT(query("get_velocity", motors(kOne))[0], 0.0);
@@ -67,29 +60,37 @@ TEST_F(Motion, EachWaitEndsWhenItsOwnMotorsArriveAndCoordinatedMotorsArriveToget
   EXPECT_EQ(finished[0].ticket, first.ticket);
 }
 
-TEST_F(Motion, StopHaltsWhereTheArmIsAndInterruptsWaits) {
+TEST_F(Motion, StopHaltsWhereTheArmIsInterruptsWaitsAndRefusesMotionUntilRecover) {
   ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.0]", "30.0", "60.0")), StateCodes::kOk);
   Reply wait = call("wait_for_motors", motors(kOne));
   clock->advance(2.0);
   EXPECT_EQ(state("stop"), StateCodes::kOk);
+  EXPECT_EQ(controller.mode(), ControllerMode::Stopped);
   auto finished = controller.poll();
   ASSERT_EQ(finished.size(), 1u);
   EXPECT_EQ(finished[0].ticket, wait.ticket);
   EXPECT_EQ(std::stoi(finished[0].reply.state), StateCodes::kMotionInterrupted);
   EXPECT_NEAR(query("get_angles", motors(kOne))[0], 52.5, 1e-6);
   clock->advance(5.0);
-  EXPECT_NEAR(query("get_angles", motors(kOne))[0], 52.5, 1e-6);
+  EXPECT_NEAR(query("get_angles", motors(kOne))[0], 52.5, 1e-6) << "queries go on";
   EXPECT_EQ(query("get_velocity", motors(kOne))[0], 0.0);
+
+  EXPECT_EQ(state("move_to_angles", moveParams(kOne, "[10.0]", "10", "10")), StateCodes::kRefusedInState);
+  EXPECT_EQ(state("recover"), StateCodes::kOk);
+  EXPECT_EQ(state("move_to_angles", moveParams(kOne, "[10.0]", "10", "10")), StateCodes::kOk);
+  EXPECT_EQ(state("calibrate"), StateCodes::kRefusedInState) << "calibration needs the arm at rest";
+  clock->advance(10.0);
+  EXPECT_EQ(state("calibrate"), StateCodes::kOk);
 }
 
 TEST_F(Motion, ANewMoveTakesOverFromWhereTheMotorIsAndTheWaitFollowsIt) {
   ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.0]", "30.0", "60.0")), StateCodes::kOk);
   Reply wait = call("wait_for_motors", motors(kOne));
-  clock->advance(2.0);  // at 52.5
+  clock->advance(2.0);  // at 52.5, where the way back starts
   ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[0.0]", "30.0", "60.0")), StateCodes::kOk);
   clock->advance(0.01);
   EXPECT_LT(query("get_angles", motors(kOne))[0], 52.5 + 1e-9);
-  EXPECT_TRUE(controller.poll().empty());
+  EXPECT_TRUE(controller.poll().empty()) << "the wait follows the new target";
   clock->advance(10.0);
   auto finished = controller.poll();
   ASSERT_EQ(finished.size(), 1u);

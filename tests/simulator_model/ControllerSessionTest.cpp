@@ -1,6 +1,4 @@
-// Set-up, motor discovery, the controller's state machine and the error codes.
-#include <algorithm>
-
+// The error codes: set-up, state, motors, parameter texts, tools; nothing changes on any of them.
 #include "ControllerFixture.h"
 
 namespace tavsim::test {
@@ -14,31 +12,6 @@ struct Refusal {
   int expected;
 };
 
-TEST_F(Session, MotorIdsAppearWithSetUpAndGoWithFinalize) {
-  EXPECT_EQ(call("get_motor_ids").result1, "[]");
-  EXPECT_EQ(state("get_angles", motors(R"(["1"])")), StateCodes::kRefusedInState);
-  setUpRobot();
-  EXPECT_EQ(call("get_motor_ids").result1, "[1,2,3,4,5,6]");
-  EXPECT_EQ(controller.mode(), ControllerMode::Ready);
-  EXPECT_EQ(state("finalize"), StateCodes::kOk);
-  EXPECT_EQ(controller.mode(), ControllerMode::Unconfigured);
-  EXPECT_EQ(call("get_motor_ids").result1, "[]");
-  EXPECT_EQ(state("move_to_angles", moveParams(R"(["1"])", "[1.0]", "10", "10")), StateCodes::kRefusedInState);
-}
-
-TEST_F(Session, StopRefusesMotionUntilRecoverButQueriesGoOn) {
-  setUpRobot();
-  EXPECT_EQ(state("stop"), StateCodes::kOk);
-  EXPECT_EQ(controller.mode(), ControllerMode::Stopped);
-  EXPECT_EQ(state("move_to_angles", moveParams(R"(["1"])", "[10.0]", "10", "10")), StateCodes::kRefusedInState);
-  EXPECT_EQ(query("get_angles", motors(R"(["1"])")).size(), 1u);
-  EXPECT_EQ(state("recover"), StateCodes::kOk);
-  EXPECT_EQ(state("move_to_angles", moveParams(R"(["1"])", "[10.0]", "10", "10")), StateCodes::kOk);
-  EXPECT_EQ(state("calibrate"), StateCodes::kRefusedInState) << "calibration needs the arm at rest";
-  clock->advance(5.0);
-  EXPECT_EQ(state("calibrate"), StateCodes::kOk);
-}
-
 TEST_F(Session, BadRequestsGetTheirCodeAndChangeNothing) {
   auto expectCodes = [this](const std::vector<Refusal>& rows) {
     for (const Refusal& row : rows) {
@@ -50,7 +23,8 @@ TEST_F(Session, BadRequestsGetTheirCodeAndChangeNothing) {
   expectCodes({{"shutdown", {}, StateCodes::kUnknownCommand},
                {"Robot", {{"name", "arm"}, {"parameters", "{not json"}, {"virtual", "0"}}, bad},
                {"Robot", {{"name", "arm"}, {"parameters", "{}"}, {"virtual", "2"}}, bad},
-               {"Robot", {{"parameters", "{}"}, {"virtual", "0"}}, bad}});
+               {"Robot", {{"parameters", "{}"}, {"virtual", "0"}}, bad},
+               {"get_angles", motors(R"(["1"])"), StateCodes::kRefusedInState}});
   EXPECT_EQ(controller.mode(), ControllerMode::Unconfigured);
   ASSERT_EQ(state("Robot", {{"name", ""}, {"parameters", "{}"}, {"virtual", "0"}}), StateCodes::kOk);
   ASSERT_EQ(state("set_output", {{"motor_ids", R"(["2"])"}, {"signal", R"({"2": 1})"}}), StateCodes::kOk);
@@ -81,18 +55,6 @@ TEST_F(Session, BadRequestsGetTheirCodeAndChangeNothing) {
   });
   EXPECT_EQ(query("get_velocity", motors(R"(["1","2","3","4","5","6"])")), std::vector<double>(6, 0.0));
   EXPECT_EQ(call("get_input", motors(R"(["2"])")).result1, "[1]");
-}
-
-TEST(SessionOptions, MotorCountIsConfigurable) {
-  ControllerOptions options;
-  options.motorCount = 8;
-  SimulatedController controller(options, std::make_shared<ManualClock>());
-  controller.handle("Robot", {{"name", "a"}, {"parameters", "{}"}, {"virtual", "0"}});
-  EXPECT_EQ(controller.handle("get_motor_ids", {}).result1, "[1,2,3,4,5,6,7,8]");
-  // Six arm joints, then the two auxiliary axes.
-  Reply joints = controller.handle("inverse", {{"position", controller.handle("get_position", {}).result1}});
-  EXPECT_EQ(joints.state, "0");
-  EXPECT_EQ(std::count(joints.result1.begin(), joints.result1.end(), ','), 7);
 }
 
 }  // namespace
