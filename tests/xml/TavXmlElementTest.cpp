@@ -3,13 +3,11 @@
 #include "xml/TavXmlElement.h"
 
 TEST(TavXmlElement, WritesShortFormWhileTextIsEmptyAndTextsUnescaped) {
-  TavXmlElement fresh("a");
   TavXmlElement emptyText("a");
   emptyText.setText("");
-  TavXmlElement unnamed;
-  EXPECT_EQ(fresh.getElement(), "<a />");
+  EXPECT_EQ(TavXmlElement("a").getElement(), "<a />");
   EXPECT_EQ(emptyText.getElement(), "<a />");
-  EXPECT_EQ(unnamed.getElement(), "< />");
+  EXPECT_EQ(TavXmlElement().getElement(), "< />");
   TavXmlElement raw("a");
   raw.setText("1<2&3");
   EXPECT_EQ(raw.getElement(), "<a>1<2&3</a>");
@@ -30,19 +28,16 @@ TEST(TavXmlElement, SetTextInsertsWithoutRemovingAndLinkTextReplacesTheKnownLeng
   EXPECT_EQ(twice.getElement(), "<a>new+old</a>");
 }
 
-TEST(TavXmlElement, PositionsStayStaleAfterShortFormRewrite) {
-  TavXmlElement element("a");
-  ASSERT_EQ(element.getElement(), "<a />");
-  element.setText("x");
-  EXPECT_EQ(element.getElement(), "<a x/>");
-}
+TEST(TavXmlElement, PositionsStayStaleAfterShortFormRewriteAndSetNameBreaksTheClosingTag) {
+  TavXmlElement stale("a");
+  ASSERT_EQ(stale.getElement(), "<a />");
+  stale.setText("x");
+  EXPECT_EQ(stale.getElement(), "<a x/>");
 
-TEST(TavXmlElement, SetNameBreaksTheClosingTag) {
-  TavXmlElement unnamed;
+  TavXmlElement unnamed, named("a");
   unnamed.setText("x");
   unnamed.setName("a");
   EXPECT_EQ(unnamed.getElement(), "<a>x<a/>");
-  TavXmlElement named("a");
   named.setText("x");
   named.setName("bb");
   EXPECT_EQ(named.getElement(), "<bb>x<bb>");
@@ -50,8 +45,7 @@ TEST(TavXmlElement, SetNameBreaksTheClosingTag) {
 }
 
 TEST(TavXmlElement, ChildrenAreInvisibleAndCopiesIndependent) {
-  TavXmlElement parent("p");
-  TavXmlElement child("c");
+  TavXmlElement parent("p"), child("c");
   parent.setChildren(child);
   EXPECT_EQ(parent.getElement(), "<p />");
   TavXmlElement copy(parent);
