@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "common/RobotEvent.h"
-#include "protocol/MessageEdits.h"
 #include "protocol/Parser.h"
 
 namespace {
@@ -17,11 +16,12 @@ namespace {
 using Message = Parser::Message;
 using Decoder = int (Parser::*)(Message&, std::string&);
 constexpr int kFailed = RobotEvents::kDecodeFailed;
+const std::string kName = "move_to_angles5201";
 
 const std::string kHeart = "<root><Heart /></root>";
 const std::string kError = "<root><Error><errorcode>7</errorcode></Error></root>";
 
-std::string connResult(const std::string& identifier, const std::string& checksum) {
+std::string connResult(const std::string& checksum, const std::string& identifier = "ConnResult") {
   return "<root><head><identifier>" + identifier + "</identifier></head><ConnResult><result>0"
          "</result></ConnResult><tail><checksum>" + checksum + "</checksum></tail></root>";
 }
@@ -36,13 +36,12 @@ std::string reply(const std::string& results, const std::string& checksum) {
   return reply("<state>0</state>", results, checksum);
 }
 
-const std::string kConnResult = connResult("ConnResult", "48");
+const std::string kConnResult = connResult("48");
 // "1.5,2.5" and "x" sum to 341 + 120.
 const std::string kReply = reply("<result><result1>1.5,2.5</result1><result2>x</result2></result>", "461");
 
 int decode(Decoder decoder, std::string text, Message& result) {
-  Parser parser;
-  return (parser.*decoder)(result, text);
+  return (Parser().*decoder)(result, text);
 }
 
 int decode(Decoder decoder, const std::string& text) {
@@ -50,30 +49,54 @@ int decode(Decoder decoder, const std::string& text) {
   return decode(decoder, text, result);
 }
 
+// The element `name` (its occurrence-th, from 0, in long or short form) taken out or renamed.
+std::string edited(std::string text, const std::string& name, int occurrence, bool remove) {
+  std::size_t begin = std::string::npos;
+  for (std::size_t from = 0; occurrence-- >= 0; from = begin + 1) {
+    begin = std::min(text.find("<" + name + ">", from), text.find("<" + name + " />", from));
+    if (begin == std::string::npos) throw std::logic_error("no element " + name + " in " + text);
+  }
+  const std::size_t nameEnd = begin + 1 + name.size();
+  const bool shortForm = text[nameEnd] == ' ';
+  const std::size_t closeNameEnd = shortForm ? nameEnd : text.find("</" + name + ">", nameEnd) + 2 + name.size();
+  if (remove) return text.erase(begin, (shortForm ? nameEnd + 3 : closeNameEnd + 1) - begin);
+  if (!shortForm) text.insert(closeNameEnd, "x");
+  return text.insert(nameEnd, "x");
+}
+
 }  // namespace
 
-TEST(ParserUnwrap, DecodesEachWellFormedKind) {
+TEST(ParserUnwrap, FillsTheMapAndKeepsWhatWasWrittenBeforeAFault) {
   const struct {
     std::string text;
+    int status;
     Message expected;
   } cases[] = {
-      {kHeart, {{"identifier", "heart"}}},
-      {"<root><Heart>x</Heart></root>", {{"identifier", "heart"}}},
-      {kError, {{"identifier", "Error"}, {"errorcode", "7"}}},
-      {kConnResult, {{"identifier", "ConnResult"}, {"result", "0"}}},
-      {kReply, {{"state", "0"}, {"result1", "1.5,2.5"}, {"result2", "x"}, {"identifier", "move_to_angles5201"}}},
-      {reply("<result />", "0"), {{"state", "0"}, {"identifier", "move_to_angles5201"}}},
+      {kHeart, 0, {{"identifier", "heart"}}},
+      {"<root><Heart>x</Heart></root>", 0, {{"identifier", "heart"}}},
+      {kError, 0, {{"identifier", "Error"}, {"errorcode", "7"}}},
+      {kConnResult, 0, {{"identifier", "ConnResult"}, {"result", "0"}}},
+      {kReply, 0, {{"state", "0"}, {"result1", "1.5,2.5"}, {"result2", "x"}, {"identifier", kName}}},
+      {reply("<result />", "0"), 0, {{"state", "0"}, {"identifier", kName}}},
+      // Both children named "r" read the first one's text, so the sum is '1' + '1'.
+      {reply("<result><r>1</r><r>2</r></result>", "98"), 0, {{"state", "0"}, {"r", "1"}, {"identifier", kName}}},
+      {reply("<result><state>9</state><identifier>i</identifier></result>", "162"), 0,
+       {{"state", "9"}, {"identifier", kName}}},
+      {connResult("48", "connresult"), kFailed, {{"identifier", "connresult"}}},
+      {reply("<result><result1>1</result1></result>", "0"), kFailed,
+       {{"state", "0"}, {"result1", "1"}, {"identifier", kName}}},
+      {reply("<status>0</status>", "<result />", "0"), kFailed, {}},
   };
   for (const auto& c : cases) {
-    Message result{{"kept", "yes"}};
-    EXPECT_EQ(decode(&Parser::unwrap, c.text, result), 0) << c.text;
-    Message expected = c.expected;
+    SCOPED_TRACE(c.text);
+    Message result{{"kept", "yes"}}, expected = c.expected;
     expected["kept"] = "yes";
-    EXPECT_EQ(result, expected) << c.text;
+    EXPECT_EQ(decode(&Parser::unwrap, c.text, result), c.status);
+    EXPECT_EQ(result, expected);
   }
 }
 
-TEST(ParserUnwrap, RejectsEveryMisnamedOrMissingElement) {
+TEST(ParserUnwrap, EachDecoderRejectsEveryMisnamedOrMissingElement) {
   struct Tag {
     std::string name;
     int occurrence;
@@ -97,73 +120,40 @@ TEST(ParserUnwrap, RejectsEveryMisnamedOrMissingElement) {
   for (const auto& c : cases) {
     ASSERT_EQ(decode(c.decoder, c.text), 0) << c.text;
     for (const Tag& tag : c.tags) {
-      const std::string missing = message_edits::without(c.text, tag.name, tag.occurrence);
+      const std::string missing = edited(c.text, tag.name, tag.occurrence, true);
+      const std::string misnamed = edited(c.text, tag.name, tag.occurrence, false);
       EXPECT_EQ(decode(c.decoder, missing), kFailed) << missing;
-      const std::string misnamed = message_edits::renamed(c.text, tag.name, tag.occurrence);
       EXPECT_EQ(decode(c.decoder, misnamed), tag.nameChecked ? kFailed : 0) << misnamed;
     }
   }
 }
 
-TEST(ParserUnwrap, ReadsTheChecksumLikeStrtolAndComparesLow32Bits) {
+// The declared sum is read like strtol and compared in its low 32 bits; unwrap picks its
+// decoder by a plain substring search for "ConnResult", "Heart" and "Error", in that order.
+TEST(ParserUnwrap, ReadsTheChecksumLikeStrtolAndDispatchesOnSubstrings) {
+  const std::string heartWithConn = "<root><Heart>ConnResult</Heart></root>";
+  const std::string errorWithHeart = "<root><Error><errorcode>Heart</errorcode></Error></root>";
+  const std::string replyWithHeart = reply("<result><r>Heart</r></result>", "500");
+  const std::string replyWithError = reply("<result><r>Error</r></result>", "522");
   const struct {
+    Decoder decoder;
     std::string text;
     int status;
   } cases[] = {
-      {connResult("ConnResult", "48abc"), 0},   {connResult("ConnResult", " 48"), 0},
-      {connResult("ConnResult", "+48"), 0},     {connResult("ConnResult", "4294967344"), 0},
-      {connResult("ConnResult", "49"), kFailed}, {connResult("ConnResult", ""), kFailed},
-      {connResult("ConnResult", "-48"), kFailed}, {reply("<result />", ""), 0},
-      {reply("<result />", "1"), kFailed},      {reply("<result><r>\xff</r></result>", "-1"), 0},
-      {reply("<result><r>\xff</r></result>", "4294967295"), 0},
+      {&Parser::unwrap, connResult("48abc"), 0},      {&Parser::unwrap, connResult(" 48"), 0},
+      {&Parser::unwrap, connResult("+48"), 0},        {&Parser::unwrap, connResult("4294967344"), 0},
+      {&Parser::unwrap, connResult("49"), kFailed},   {&Parser::unwrap, connResult(""), kFailed},
+      {&Parser::unwrap, connResult("-48"), kFailed},  {&Parser::unwrap, reply("<result />", ""), 0},
+      {&Parser::unwrap, reply("<result />", "1"), kFailed},
+      {&Parser::unwrap, reply("<result><r>\xff</r></result>", "-1"), 0},
+      {&Parser::unwrap, reply("<result><r>\xff</r></result>", "4294967295"), 0},
+      {&Parser::unwrap, reply("<result><r>1</r><r>2</r></result>", "99"), kFailed},
+      {&Parser::unwrap_Heart, heartWithConn, 0},      {&Parser::unwrap, heartWithConn, kFailed},
+      {&Parser::unwrap_Error, errorWithHeart, 0},     {&Parser::unwrap, errorWithHeart, kFailed},
+      {&Parser::unwrap_Msg, replyWithHeart, 0},       {&Parser::unwrap, replyWithHeart, kFailed},
+      {&Parser::unwrap_Msg, replyWithError, 0},       {&Parser::unwrap, replyWithError, kFailed},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(decode(&Parser::unwrap, c.text), c.status) << c.text;
-  }
-}
-
-TEST(ParserUnwrap, KeepsWhatWasWrittenBeforeAFault) {
-  Message result;
-  EXPECT_EQ(decode(&Parser::unwrap, connResult("connresult", "48"), result), kFailed);
-  EXPECT_EQ(result, (Message{{"identifier", "connresult"}}));
-
-  result.clear();
-  EXPECT_EQ(decode(&Parser::unwrap, reply("<result><result1>1</result1></result>", "0"), result), kFailed);
-  EXPECT_EQ(result, (Message{{"state", "0"}, {"result1", "1"}, {"identifier", "move_to_angles5201"}}));
-
-  result.clear();
-  EXPECT_EQ(decode(&Parser::unwrap, reply("<status>0</status>", "<result />", "0"), result), kFailed);
-  EXPECT_TRUE(result.empty());
-}
-
-TEST(ParserUnwrap, ResultChildrenOverwriteByName) {
-  Message result;
-  // Both children named "r" read the first one's text, so the sum is '1' + '1'.
-  EXPECT_EQ(decode(&Parser::unwrap, reply("<result><r>1</r><r>2</r></result>", "98"), result), 0);
-  EXPECT_EQ(result["r"], "1");
-  EXPECT_EQ(decode(&Parser::unwrap, reply("<result><r>1</r><r>2</r></result>", "99")), kFailed);
-
-  result.clear();
-  EXPECT_EQ(decode(&Parser::unwrap, reply("<result><state>9</state><identifier>i</identifier></result>", "162"),
-                   result), 0);
-  EXPECT_EQ(result["state"], "9");
-  EXPECT_EQ(result["identifier"], "move_to_angles5201");
-}
-
-TEST(ParserUnwrap, DispatchesOnSubstringsInFixedOrder) {
-  const struct {
-    std::string text;
-    Decoder intended;
-  } cases[] = {
-      {"<root><Heart>ConnResult</Heart></root>", &Parser::unwrap_Heart},
-      {"<root><Error><errorcode>Heart</errorcode></Error></root>", &Parser::unwrap_Error},
-      {reply("<result><r>Heart</r></result>", "500"), &Parser::unwrap_Msg},
-      {reply("<result><r>Error</r></result>", "522"), &Parser::unwrap_Msg},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(decode(c.intended, c.text), 0) << c.text;
-    EXPECT_EQ(decode(&Parser::unwrap, c.text), kFailed) << c.text;
-  }
+  for (const auto& c : cases) EXPECT_EQ(decode(c.decoder, c.text), c.status) << c.text;
 }
 
 // Whatever arrives, unwrap answers with a status or lets the parser's out_of_range through.
@@ -188,9 +178,8 @@ TEST(ParserUnwrap, MutatedTextGivesAStatusOrOutOfRange) {
         default: text.insert(at, 1, static_cast<char>(below(256))); break;
       }
     }
-    Message result;
     try {
-      const int status = decode(&Parser::unwrap, text, result);
+      const int status = decode(&Parser::unwrap, text);
       EXPECT_TRUE(status == 0 || status == kFailed) << status << " for " << text;
       ++outcomes[status == 0 ? 0 : 1];
     } catch (const std::out_of_range&) {
@@ -199,7 +188,5 @@ TEST(ParserUnwrap, MutatedTextGivesAStatusOrOutOfRange) {
       ADD_FAILURE() << "unexpected exception for " << text;
     }
   }
-  for (const int count : outcomes) {
-    EXPECT_GT(count, 0);
-  }
+  for (const int count : outcomes) EXPECT_GT(count, 0);
 }
