@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <stdlib.h>
 
 #include <chrono>
 #include <fstream>
@@ -61,7 +62,7 @@ TEST(ClientLifecycleTest, ServerClosingWhileACallWaitsFailsItPromptlyAndQuietly)
     Client client;
     ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
     ASSERT_TRUE(controller.Accept());
-    const std::size_t linesBefore = tavtest::TemporaryHome::LogLines().size();
+    const std::size_t linesBefore = tavtest::LogLines(::getenv("HOME")).size();
 
     Clock::time_point closed;
     std::thread controllerSide([&] {
@@ -78,7 +79,7 @@ TEST(ClientLifecycleTest, ServerClosingWhileACallWaitsFailsItPromptlyAndQuietly)
     EXPECT_EQ(RobotEvents::kReceiveFailed, client.AddTasks(CommandTask("recover", 2)));
 
     std::this_thread::sleep_for(1s);  // room for a runaway receiver to flood the log
-    EXPECT_LT(tavtest::TemporaryHome::LogLines().size(), linesBefore + 20);
+    EXPECT_LT(tavtest::LogLines(::getenv("HOME")).size(), linesBefore + 20);
     client.FinalizeSocket();
   }
 

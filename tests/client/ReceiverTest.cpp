@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 
 #include <chrono>
@@ -48,7 +49,7 @@ protected:
     if (AssertionResult delivered = controller.WaitDelivered(); !delivered) {
       return delivered;
     }
-    return tavtest::WaitUntilRead(socket.Get(), 5s);
+    return tavtest::WaitQueueEmpty(socket.Get(), FIONREAD, 5s);
   }
 
   int Collect(const std::string& name, Message& result, std::chrono::milliseconds wait = 5s) {

@@ -5,17 +5,15 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "TestHelpers.h"
 #include "common/TavLogger.h"
 #include "common/TavResource.h"
 #include "support/Polling.h"
 #include "support/ProcessProbe.h"
-#include "support/TemporaryDirectory.h"
+#include "support/TemporaryHome.h"
 
 namespace fs = std::filesystem;
 
@@ -39,17 +37,13 @@ const std::string& LoggingHome() {
   return home.Path();
 }
 
-// Each line of the logs under `home` without its time ("YYYY-mm-dd HH:MM:SS "); a line that
-// does not start with one is kept whole behind a "?".
+// The logged lines without their time ("YYYY-mm-dd HH:MM:SS "); a line without one is kept
+// whole behind a "?".
 std::vector<std::string> LoggedTexts(const std::string& home) {
-  std::vector<std::string> texts;
-  std::error_code missing;
-  for (const auto& entry : fs::directory_iterator(home + "/TavClient/log", missing)) {
-    std::ifstream file(entry.path());
-    for (std::string line; std::getline(file, line);) {
-      const bool timed = line.size() >= 20 && line[4] == '-' && line[10] == ' ' && line[16] == ':' && line[19] == ' ';
-      texts.push_back(timed ? line.substr(20) : "?" + line);
-    }
+  std::vector<std::string> texts = tavtest::LogLines(home);
+  for (std::string& line : texts) {
+    const bool timed = line.size() >= 20 && line[4] == '-' && line[10] == ' ' && line[16] == ':' && line[19] == ' ';
+    line = timed ? line.substr(20) : "?" + line;
   }
   return texts;
 }
@@ -66,38 +60,33 @@ std::vector<std::string> LoggedThroughNow(const std::string& tag) {
   return texts;
 }
 
-// Tells the records of a test from those of earlier runs in the same process.
-std::string Tag() {
-  static int runs = 0;
-  return "run" + std::to_string(++runs);
-}
-
 TEST(TavLoggerTest, WritesTheLevelTheEventAboveInfoAndTheFormattedText) {
   LoggingHome();
-  const std::string tag = Tag();
   TavLogger& logger = TavLogger::GetInstance();
-  logger.Info("%s info", tag.c_str());
-  logger.Warning(7, "%s warning", tag.c_str());
-  logger.Error(TAV_FATAL, -1, "%s error", tag.c_str());
+  logger.Info("format info");
+  logger.Warning(7, "%s warning", "format");
+  logger.Error(TAV_FATAL, -1, "format error");
   logger.Info("");
-  logger.Info("%s %5d|%ld|%%d|%c|%f|%s|%u|plain dufsc|100%", tag.c_str(), 42, 42, 7, 'A', 1.5, "text", 3000000000u);
+  logger.Info("%5d|%ld|%%d|%c|%f|%s|%u|plain dufsc|100%", 42, 42, 7, 'A', 1.5, "text", 3000000000u);
   const std::vector<std::string> expected{
-      "INFO: " + tag + " info",
-      "WARNING (7): " + tag + " warning",
-      "ERROR (4294967295): " + tag + " error",
+      "INFO: format info",
+      "WARNING (7): format warning",
+      "ERROR (4294967295): format error",
       "INFO: ",
-      "INFO: " + tag + " 542|l42|7|65|1.500000|text|-1294967296|plain dufsc|100",
-      "INFO: " + tag + " end",
+      "INFO: 542|l42|7|65|1.500000|text|-1294967296|plain dufsc|100",
+      "INFO: format end",
   };
-  const std::vector<std::string> texts = LoggedThroughNow(tag);
+  const std::vector<std::string> texts = LoggedThroughNow("format");
   EXPECT_TRUE(texts.size() >= expected.size() && std::equal(expected.rbegin(), expected.rend(), texts.rbegin()));
 }
 
-TEST(TavLoggerTest, KeepsEveryRecordOfSeveralThreadsInTheirOrder) {
+TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
   LoggingHome();
-  const std::string tag = Tag();
-  constexpr int kThreads = 4;
-  constexpr int kRecords = 100;
+  static int runs = 0;  // tells the records of a repeated run from the earlier ones
+  const std::string tag = "threads" + std::to_string(++runs);
+  const std::size_t threads = tavtest::ThreadCount();
+  StartLoggingUnder(LoggingHome());
+  constexpr int kThreads = 4, kRecords = 100;
   std::vector<std::thread> producers;
   for (int t = 0; t < kThreads; ++t) {
     producers.emplace_back([&tag, t] {
@@ -114,13 +103,6 @@ TEST(TavLoggerTest, KeepsEveryRecordOfSeveralThreadsInTheirOrder) {
     for (int i = 0; i < kRecords; ++i) expected.push_back(head + std::to_string(i));
     EXPECT_EQ(ofThread, expected);
   }
-}
-
-TEST(TavLoggerTest, StartingAgainStartsNoSecondThreadOrFile) {
-  LoggingHome();
-  const std::size_t threads = tavtest::ThreadCount();
-  StartLoggingUnder(LoggingHome());
-  LoggedThroughNow(Tag());
   EXPECT_EQ(tavtest::ThreadCount(), threads);
   EXPECT_EQ(std::distance(fs::directory_iterator(LoggingHome() + "/TavClient/log"), fs::directory_iterator()), 1);
 }
@@ -128,17 +110,15 @@ TEST(TavLoggerTest, StartingAgainStartsNoSecondThreadOrFile) {
 // An exit test ends a child process that runs the test program again for that test alone, so
 // its logger is fresh. The child runs the test body from the start too: it inherits the
 // directory the parent made through the environment.
-std::string ExitTestHome() {
-  if (const char* inherited = ::getenv("TAVTEST_EXIT_HOME")) return inherited;
-  std::string name = (fs::temp_directory_path() / "tavclient-exit-XXXXXX").string();
-  EXPECT_NE(::mkdtemp(name.data()), nullptr);
-  ::setenv("TAVTEST_EXIT_HOME", name.c_str(), 1);
-  return name;
-}
-
 TEST(TavLoggerExitTest, WritesEverythingQueuedBeforeTheProcessEnds) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const std::string home = ExitTestHome();
+  std::string home = (fs::temp_directory_path() / "tavclient-exit-XXXXXX").string();
+  if (const char* inherited = ::getenv("TAVTEST_EXIT_HOME")) {
+    home = inherited;
+  } else {
+    ASSERT_NE(::mkdtemp(home.data()), nullptr);
+    ::setenv("TAVTEST_EXIT_HOME", home.c_str(), 1);
+  }
   constexpr int kRecords = 500;
   EXPECT_EXIT(
       {

@@ -21,13 +21,12 @@ tavsim::UniqueFd ConnectLoopback(std::uint16_t port) {
   return socket;
 }
 
-::testing::AssertionResult WaitUntilRead(int socket, std::chrono::milliseconds wait) {
-  int unread = 0;
-  const bool drained = PollUntil(wait, [&] { return ::ioctl(socket, FIONREAD, &unread) == 0 && unread == 0; });
-  if (!drained) {
-    return ::testing::AssertionFailure() << unread << " bytes still unread after " << wait.count() << " ms";
+::testing::AssertionResult WaitQueueEmpty(int socket, unsigned long request, std::chrono::milliseconds wait) {
+  int queued = 0;
+  if (PollUntil(wait, [&] { return ::ioctl(socket, request, &queued) == 0 && queued == 0; })) {
+    return ::testing::AssertionSuccess();
   }
-  return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << queued << " bytes still queued after " << wait.count() << " ms";
 }
 
 }  // namespace tavtest

@@ -14,10 +14,10 @@ namespace tavtest {
 // Invalid when the connection failed.
 tavsim::UniqueFd ConnectLoopback(std::uint16_t port);
 
-// Waits until the socket's receive queue is empty, i.e. whoever reads it has taken every byte
-// that arrived. Together with ScriptedController::WaitDelivered this turns one write into
-// exactly one read on the other side.
-::testing::AssertionResult WaitUntilRead(int socket, std::chrono::milliseconds wait);
+// Waits until the socket queue that ioctl `request` measures is empty: FIONREAD, bytes not yet
+// read from the socket; SIOCOUTQ, bytes written but not yet taken by the peer. Both together
+// turn one write into exactly one read on the other side.
+::testing::AssertionResult WaitQueueEmpty(int socket, unsigned long request, std::chrono::milliseconds wait);
 
 }  // namespace tavtest
 

@@ -26,23 +26,17 @@ public:
   static constexpr std::chrono::milliseconds kDefaultWait{5000};
   using Results = std::vector<std::pair<std::string, std::string>>;
 
-  ScriptedController() = default;
-
   std::uint16_t Port() const { return listener_.Port(); }
   // The port as Client::InitializeSocket takes it.
   short PortArg() const { return static_cast<short>(listener_.Port()); }
 
   ::testing::AssertionResult Accept(std::chrono::milliseconds wait = kDefaultWait);
 
-  // The next message, of any kind (Unrecognised ones included).
-  ::testing::AssertionResult Receive(tavsim::ClientMessage& message, std::chrono::milliseconds wait = kDefaultWait);
-  // The next message, which must be a command of that name with a valid checksum.
+  // The next message, which must be of that kind (commands: of that name) with a valid checksum.
   ::testing::AssertionResult ReceiveCommand(const std::string& functionName, tavsim::ClientMessage& message,
                                             std::chrono::milliseconds wait = kDefaultWait);
-  // The next message, which must be a client-info message with a valid checksum.
   ::testing::AssertionResult ReceiveClientInfo(tavsim::ClientMessage& message,
                                                std::chrono::milliseconds wait = kDefaultWait);
-  // The next message, which must be the heart message.
   ::testing::AssertionResult ReceiveHeart(std::chrono::milliseconds wait = kDefaultWait);
   // Nothing at all arrives within `window`.
   ::testing::AssertionResult ExpectSilence(std::chrono::milliseconds window);
@@ -51,27 +45,35 @@ public:
 
   // Raw bytes exactly as given: garbage, pieces of a message, several messages at once.
   ::testing::AssertionResult Send(const std::string& bytes);
-  ::testing::AssertionResult SendConnResult(const std::string& result = "0");
-  ::testing::AssertionResult SendHeartReply();
-  ::testing::AssertionResult SendError(const std::string& errorCode);
+  ::testing::AssertionResult SendConnResult(const std::string& result = "0") {
+    return Send(tavsim::ConnResultMessage(result));
+  }
+  ::testing::AssertionResult SendHeartReply() { return Send(tavsim::HeartReplyMessage()); }
+  ::testing::AssertionResult SendError(const std::string& code) { return Send(tavsim::ErrorMessage(code)); }
   // The reply to `command`, matched to it by its function name and timestamp.
   ::testing::AssertionResult Reply(const tavsim::ClientMessage& command, const std::string& state = "0",
-                                   const Results& results = {});
+                                   const Results& results = {}) {
+    return Send(tavsim::CommandReplyMessage({command.timestamp, command.functionName, state, results}));
+  }
   // The same reply with `checksum` written instead of the right one.
   ::testing::AssertionResult ReplyWithChecksum(const tavsim::ClientMessage& command, const std::string& checksum,
-                                               const std::string& state = "0", const Results& results = {});
+                                               const std::string& state = "0", const Results& results = {}) {
+    return Send(tavsim::CommandReplyMessage({command.timestamp, command.functionName, state, results}, checksum));
+  }
 
   // Waits until the client's kernel has taken every byte written so far (none in flight).
   ::testing::AssertionResult WaitDelivered(std::chrono::milliseconds wait = kDefaultWait);
 
-  // Ends the controller's sending side: the client's reads return 0.
-  void CloseSending();
-  void Close();
+  void Close() {
+    if (connection_) connection_->Close();
+  }
 
 private:
   ::testing::AssertionResult Connected() const;
-  static tavsim::CommandReply ReplyTo(const tavsim::ClientMessage& command, const std::string& state,
-                                      const Results& results);
+  ::testing::AssertionResult Receive(tavsim::ClientMessageKind kind, const std::string& functionName,
+                                     tavsim::ClientMessage& message, std::chrono::milliseconds wait);
+  // Reads for `wait`; fails when a message, or with `closed` no close, came instead.
+  ::testing::AssertionResult ExpectNoMessage(std::chrono::milliseconds wait, bool closed);
 
   tavsim::LoopbackListener listener_;
   std::optional<tavsim::Connection> connection_;

@@ -5,18 +5,12 @@
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
-#include <vector>
 
 namespace tavtest {
 
-TemporaryDirectory::TemporaryDirectory() {
-  const std::string pattern = (std::filesystem::temp_directory_path() / "tavclient-test-XXXXXX").string();
-  std::vector<char> name(pattern.begin(), pattern.end());
-  name.push_back('\0');
-  if (::mkdtemp(name.data()) == nullptr) {
-    throw std::system_error(errno, std::generic_category(), "mkdtemp " + pattern);
-  }
-  path_ = name.data();
+TemporaryDirectory::TemporaryDirectory()
+    : path_((std::filesystem::temp_directory_path() / "tavclient-test-XXXXXX").string()) {
+  if (::mkdtemp(path_.data()) == nullptr) throw std::system_error(errno, std::generic_category(), "mkdtemp");
 }
 
 TemporaryDirectory::~TemporaryDirectory() {

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,24 +11,40 @@
 
 namespace tavtest {
 
+// Sets HOME for the object's life and puts back what was there, unset included.
+class ScopedHome {
+public:
+  explicit ScopedHome(const std::string& home);
+  ~ScopedHome();
+  ScopedHome(const ScopedHome&) = delete;
+  ScopedHome& operator=(const ScopedHome&) = delete;
+
+private:
+  std::optional<std::string> previous_;
+};
+
 // Points HOME at a fresh temporary directory for the whole test program, so the library's
 // directories and log files never land in the real home. Register it from the test program
 // (a static library cannot register it by itself):
 //   const auto* const kHome = ::testing::AddGlobalTestEnvironment(new tavtest::TemporaryHome);
 class TemporaryHome : public ::testing::Environment {
 public:
-  void SetUp() override;
-  void TearDown() override;
-
-  // The HOME of the running test program; empty before SetUp.
-  static std::string Path();
-  // Every line of every log file the library wrote under this HOME so far.
-  static std::vector<std::string> LogLines();
+  void SetUp() override {
+    home_.emplace();
+    variable_.emplace(home_->Path());
+  }
+  void TearDown() override {
+    variable_.reset();
+    home_.reset();
+  }
 
 private:
-  std::unique_ptr<TemporaryDirectory> home_;
-  std::optional<std::string> previousHome_;
+  std::optional<TemporaryDirectory> home_;
+  std::optional<ScopedHome> variable_;
 };
+
+// Every line of every log file the library wrote under `home` so far.
+std::vector<std::string> LogLines(const std::string& home);
 
 }  // namespace tavtest
 
