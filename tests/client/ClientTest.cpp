@@ -1,32 +1,49 @@
 #include <gtest/gtest.h>
+#include <stdlib.h>
 
 #include <chrono>
+#include <fstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "Commands.h"
 #include "client/Client.h"
 #include "common/RobotEvent.h"
 #include "core/LoopbackListener.h"
+#include "support/Polling.h"
 #include "support/ProcessProbe.h"
 #include "support/ScriptedController.h"
+#include "support/TemporaryHome.h"
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 namespace {
 
+// GetResult(name) while the controller side does `act` after `delay`: the code, and how long
+// after `act` the call returned.
+template <typename Act>
+std::pair<int, Clock::duration> GetResultAcross(Client& client, const std::string& name, Message& result,
+                                                std::chrono::milliseconds delay, Act act) {
+  Clock::time_point acted;
+  std::thread controllerSide([&] {
+    std::this_thread::sleep_for(delay);
+    acted = Clock::now();
+    act();
+  });
+  const int code = client.GetResult(name, result);
+  const auto returned = Clock::now();
+  controllerSide.join();
+  return {code, returned - acted};
+}
+
 class ClientTest : public ::testing::Test {
 protected:
   void Connect() {
     ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
     ASSERT_TRUE(controller.Accept());
-  }
-
-  // Queues `task` and takes it off the wire as the controller.
-  void Exchange(const Tasks& task, tavsim::ClientMessage& command) {
-    ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(task));
-    ASSERT_TRUE(controller.ReceiveCommand(task.params.at("function_name"), command));
   }
 
   void TearDown() override { client.FinalizeSocket(); }
@@ -37,21 +54,14 @@ protected:
 };
 
 TEST_F(ClientTest, QueuedTasksLeaveInOrderAndRepliesAreCollectedByName) {
-  ASSERT_EQ(RobotEvents::kSuccess,
-            client.AddTasks(CommandTask("move_to_angles", 5201, {{"velocity", "0.500000"}, {"block", "1"}})));
+  ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("move_to_angles", 5201, {{"velocity", "0.5"}})));
   ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", 5202)));
   ASSERT_NO_FATAL_FAILURE(Connect());
-
-  tavsim::ClientMessage move;
-  tavsim::ClientMessage recover;
+  tavsim::ClientMessage move, recover;
   ASSERT_TRUE(controller.ReceiveCommand("move_to_angles", move));
-  EXPECT_EQ(
-      "<root><head><timestamp>5201</timestamp><ClientID>7</ClientID></head><function><parameter><block>1</block>"
-      "<velocity>0.500000</velocity></parameter><name>move_to_angles</name></function><tail><checksum>1926</checksum>"
-      "</tail></root>",
-      move.raw);
+  EXPECT_EQ("0.5", move.parameters["velocity"]);
   ASSERT_TRUE(controller.ReceiveCommand("recover", recover));
-  ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(HeartbeatTask()));
+  ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(Tasks{Tasks::kHeartbeat, {}}));
   EXPECT_TRUE(controller.ReceiveHeart());
 
   ASSERT_TRUE(controller.Reply(recover, "0"));
@@ -59,8 +69,7 @@ TEST_F(ClientTest, QueuedTasksLeaveInOrderAndRepliesAreCollectedByName) {
   EXPECT_EQ((Message{{"identifier", "recover5202"}, {"state", "0"}}), result);
   ASSERT_TRUE(controller.Reply(move, "3", {{"result1", "1.5,2.5"}}));
   ASSERT_EQ(RobotEvents::kSuccess, client.GetResult("move_to_angles5201", result));
-  EXPECT_EQ("3", result["state"]);
-  EXPECT_EQ("1.5,2.5", result["result1"]);
+  EXPECT_EQ((Message{{"identifier", "move_to_angles5201"}, {"state", "3"}, {"result1", "1.5,2.5"}}), result);
 }
 
 TEST_F(ClientTest, ServerErrorIsReturnedByEveryLaterCallAndPrinted) {
@@ -76,52 +85,31 @@ TEST_F(ClientTest, ServerErrorIsReturnedByEveryLaterCallAndPrinted) {
   EXPECT_TRUE(controller.ExpectSilence(200ms));
 }
 
-TEST_F(ClientTest, ReplyWithABadChecksumFailsTheSession) {
-  ASSERT_NO_FATAL_FAILURE(Connect());
-  tavsim::ClientMessage command;
-  ASSERT_NO_FATAL_FAILURE(Exchange(CommandTask("get_angles", 9), command));
-  ASSERT_TRUE(controller.ReplyWithChecksum(command, "1", "0", {{"result1", "1,2"}}));
-  EXPECT_EQ(RobotEvents::kDecodeFailed, client.GetResult("get_angles9", result));
-  EXPECT_EQ(RobotEvents::kDecodeFailed, client.AddTasks(CommandTask("recover", 10)));
-}
-
-TEST_F(ClientTest, FailedConnectPoisonsTheClient) {
-  const tavsim::RefusingPort refusing;
-  EXPECT_EQ(RobotEvents::kConnectFailed, client.InitializeSocket("127.0.0.1", static_cast<short>(refusing.Port())));
-  EXPECT_EQ(RobotEvents::kConnectFailed, client.AddTasks(CommandTask("recover", 1)));
-  EXPECT_EQ(RobotEvents::kConnectFailed, client.GetResult("recover1", result));
-  EXPECT_EQ(RobotEvents::kConnectFailed, client.InitializeSocket("127.0.0.1", controller.PortArg()));
-}
-
-TEST_F(ClientTest, UnparsableAddressLeavesTheSessionUsable) {
+// An address that does not parse is no session failure; a refused connect is, for good.
+TEST_F(ClientTest, UnparsableAddressLeavesTheSessionUsableAndRefusedConnectPoisonsIt) {
   EXPECT_EQ(RobotEvents::kSocketSetupFailed, client.InitializeSocket("127.0.0.256", controller.PortArg()));
   EXPECT_EQ(RobotEvents::kSocketSetupFailed, client.InitializeSocket("localhost", controller.PortArg()));
-  ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", 1)));
-  ASSERT_NO_FATAL_FAILURE(Connect());
-  tavsim::ClientMessage command;
-  EXPECT_TRUE(controller.ReceiveCommand("recover", command));
+  EXPECT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", 1)));
+  const tavsim::RefusingPort refusing;
+  EXPECT_EQ(RobotEvents::kConnectFailed, client.InitializeSocket("127.0.0.1", static_cast<short>(refusing.Port())));
+  EXPECT_EQ(RobotEvents::kConnectFailed, client.AddTasks(CommandTask("recover", 2)));
+  EXPECT_EQ(RobotEvents::kConnectFailed, client.GetResult("recover1", result));
+  EXPECT_EQ(RobotEvents::kConnectFailed, client.InitializeSocket("127.0.0.1", controller.PortArg()));
 }
 
 TEST_F(ClientTest, WaitingCallWakesWhenItsReplyIsFiledAndBurnsNoCpu) {
   ASSERT_NO_FATAL_FAILURE(Connect());
   tavsim::ClientMessage command;
-  ASSERT_NO_FATAL_FAILURE(Exchange(CommandTask("get_velocity", 3), command));
-
-  Clock::time_point written;
-  std::thread controllerSide([&] {
-    std::this_thread::sleep_for(2s);
-    written = Clock::now();
+  ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("get_velocity", 3)));
+  ASSERT_TRUE(controller.ReceiveCommand("get_velocity", command));
+  const double cpuBefore = tavtest::ProcessCpuSeconds();
+  const auto [waited, late] = GetResultAcross(client, "get_velocity3", result, 2s, [&] {
     EXPECT_TRUE(controller.Reply(command, "0", {{"result1", "0.1"}}));
   });
-  const double cpuBefore = tavtest::ProcessCpuSeconds();
-  const int waited = client.GetResult("get_velocity3", result);
-  const auto returned = Clock::now();
   const double cpuUsed = tavtest::ProcessCpuSeconds() - cpuBefore;
-  controllerSide.join();
-
   EXPECT_EQ(RobotEvents::kSuccess, waited);
   EXPECT_EQ("0.1", result["result1"]);
-  EXPECT_LT(returned - written, 200ms);
+  EXPECT_LT(late, 200ms);
   EXPECT_LT(cpuUsed, 0.05);
 }
 
@@ -134,6 +122,69 @@ TEST_F(ClientTest, HeartbeatReachesTheControllerAfterNineSeconds) {
   EXPECT_LT(beat, 11s);
   // Answered, so the heart's wait ends and disconnecting does not block on it.
   ASSERT_TRUE(controller.SendHeartReply());
+}
+
+// The logger thread, once started, lives as long as the process: start it before counting.
+std::size_t ThreadsWithLoggerRunning() {
+  { Client warmUp; }
+  return tavtest::ThreadCount();
+}
+
+bool ThreadCountReturnsTo(std::size_t expected) {
+  return tavtest::PollUntil(2s, [expected] { return tavtest::ThreadCount() == expected; });
+}
+
+TEST(ClientLifecycleTest, ConnectDisconnectCyclesLeaveNoThreadBehind) {
+  const std::size_t baseline = ThreadsWithLoggerRunning();
+  const auto start = Clock::now();
+  { Client constructedOnly; }
+  EXPECT_LT(Clock::now() - start, 500ms) << "a Client destroyed right after construction returns at once";
+
+  tavtest::ScriptedController controller;
+  for (int cycle = 0; cycle < 20; ++cycle) {
+    Client client;
+    ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg())) << cycle;
+    ASSERT_TRUE(controller.Accept()) << cycle;
+    client.FinalizeSocket();
+  }
+  EXPECT_TRUE(ThreadCountReturnsTo(baseline)) << tavtest::ThreadCount() << " threads, " << baseline << " expected";
+}
+
+TEST(ClientLifecycleTest, ConstructorThatThrowsJoinsTheWorkersItStarted) {
+  const std::size_t baseline = ThreadsWithLoggerRunning();
+  const tavtest::TemporaryDirectory directory;
+  std::ofstream(directory.Path() + "/TavClientResource.properties") << "LOG_PATH=/nowhere\n";
+  const tavtest::WorkingDirectory inDirectory(directory.Path());
+  EXPECT_THROW(Client client, std::out_of_range);
+  EXPECT_TRUE(ThreadCountReturnsTo(baseline)) << tavtest::ThreadCount() << " threads, " << baseline << " expected";
+}
+
+TEST(ClientLifecycleTest, ServerClosingWhileACallWaitsFailsItPromptlyAndQuietly) {
+  {
+    tavtest::ScriptedController controller;
+    Client client;
+    ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
+    ASSERT_TRUE(controller.Accept());
+    const std::size_t linesBefore = tavtest::LogLines(::getenv("HOME")).size();
+    Message result;
+    const auto [waited, late] = GetResultAcross(client, "recover1", result, 300ms, [&] { controller.Close(); });
+    EXPECT_EQ(RobotEvents::kReceiveFailed, waited);
+    EXPECT_LT(late, 1s);
+    EXPECT_EQ(RobotEvents::kReceiveFailed, client.AddTasks(CommandTask("recover", 2)));
+    std::this_thread::sleep_for(1s);  // room for a runaway receiver to flood the log
+    EXPECT_LT(tavtest::LogLines(::getenv("HOME")).size(), linesBefore + 20);
+    client.FinalizeSocket();
+  }
+  tavtest::ScriptedController controller;
+  Client client;
+  ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
+  ASSERT_TRUE(controller.Accept());
+  ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", 3)));
+  tavsim::ClientMessage command;
+  ASSERT_TRUE(controller.ReceiveCommand("recover", command) && controller.Reply(command));
+  Message result;
+  EXPECT_EQ(RobotEvents::kSuccess, client.GetResult("recover3", result));
+  client.FinalizeSocket();
 }
 
 }  // namespace

@@ -55,11 +55,6 @@ public:
                                    const Results& results = {}) {
     return Send(tavsim::CommandReplyMessage({command.timestamp, command.functionName, state, results}));
   }
-  // The same reply with `checksum` written instead of the right one.
-  ::testing::AssertionResult ReplyWithChecksum(const tavsim::ClientMessage& command, const std::string& checksum,
-                                               const std::string& state = "0", const Results& results = {}) {
-    return Send(tavsim::CommandReplyMessage({command.timestamp, command.functionName, state, results}, checksum));
-  }
 
   // Waits until the client's kernel has taken every byte written so far (none in flight).
   ::testing::AssertionResult WaitDelivered(std::chrono::milliseconds wait = kDefaultWait);
