@@ -23,7 +23,9 @@ protected:
     robot.GetClientIP(clientId);
   }
   // A Robot still logged in would block its own destruction.
-  void TearDown() override { robot.RobotLogout(); }
+  void TearDown() override {
+    if (loggedIn) robot.RobotLogout();
+  }
 
   template <typename Call>
   static std::future<int> Start(Call call) {
@@ -63,6 +65,7 @@ protected:
   tavsim::ClientMessage hello;
   tavsim::ClientMessage sent;
   std::string clientId;
+  bool loggedIn = true;
 };
 
 #endif

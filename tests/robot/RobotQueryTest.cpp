@@ -5,8 +5,6 @@
 
 #include "robot/RobotFixture.h"
 
-namespace {
-
 using RobotQueryTest = RobotTest;
 
 constexpr double kUntouched = -77.0;
@@ -78,4 +76,19 @@ TEST_F(RobotQueryTest, RepliesAreMatchedByName) {
   EXPECT_EQ(velocity, 1.0);
 }
 
-}  // namespace
+// The forms no command sends, and the splitter's edge cases.
+TEST(RobotFormatterTest, UnsentFormsAndSplitting) {
+  Robot robot;
+  std::string text = "replaced";
+  const int values[3] = {1, 0, 1};
+  robot.to_IntString(3, values, text);
+  EXPECT_EQ(text, "[1,0,1]");
+  robot.to_DoubleString(-0.5, text);
+  EXPECT_EQ(text, "[-0.500000]");
+  std::vector<std::string> pieces{"kept"};
+  robot.SplitString("1,,2,", pieces, ",");
+  robot.SplitString("", pieces, ",");
+  robot.SplitString(",7", pieces, ",");
+  robot.SplitString("8", pieces, "");
+  EXPECT_EQ(pieces, (std::vector<std::string>{"kept", "1", "", "2", "", "7", "8"}));
+}
