@@ -193,9 +193,9 @@ TEST(RobotMotorCountTest, SetUpDiscoversAsManyMotorsAsTheSimulatorHas) {
     tavsim::ServerOptions options;
     options.controller.motorCount = motors;
     tavsim::SimulatorServer server(options);
-    Robot robot;
-    ASSERT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0);
-    ASSERT_EQ(robot.Setup("arm", kChannel, motors == kJoints ? Setup_Mode::Virtual : Setup_Mode::Real), 0);
+    Robot robot;  // no early return: a Robot must log out before it goes
+    EXPECT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0);
+    EXPECT_EQ(robot.Setup("arm", kChannel, motors == kJoints ? Setup_Mode::Virtual : Setup_Mode::Real), 0);
     size_t count = 0;
     int ids[10] = {};
     EXPECT_EQ(robot.get_motor_ids(count, ids), 0);

@@ -112,6 +112,7 @@ TEST_F(SimulatorWireTest, ClosingAClientDropsItsWaitAndStopClosesEveryConnection
   ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 2; }));
   first.reset();
   ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 1; }));
+  EXPECT_GT(server.Controller().secondsUntilNextCompletion().value_or(0.0), 60.0) << "only the 90 s wait is left";
   clock->advance(10.0);  // the first client's motor arrives, the second's does not
   server.Wake();
   EXPECT_TRUE(second->HeartAnswered());
