@@ -27,27 +27,20 @@ std::string connResult(const std::string& checksum, const std::string& identifie
          "</result></ConnResult><tail><checksum>" + checksum + "</checksum></tail></root>";
 }
 
-std::string reply(const std::string& head, const std::string& results, const std::string& checksum) {
-  return "<root><head><timestamp>5201</timestamp>" + head + "</head>" + results +
+std::string reply(const std::string& results, const std::string& checksum,
+                  const std::string& state = "<state>0</state>") {
+  return "<root><head><timestamp>5201</timestamp>" + state + "</head>" + results +
          "<taskmatching><timestamp>5201</timestamp><name>move_to_angles</name></taskmatching>"
          "<tail><checksum>" + checksum + "</checksum></tail></root>";
-}
-
-std::string reply(const std::string& results, const std::string& checksum) {
-  return reply("<state>0</state>", results, checksum);
 }
 
 const std::string kConnResult = connResult("48");
 // "1.5,2.5" and "x" sum to 341 + 120.
 const std::string kReply = reply("<result><result1>1.5,2.5</result1><result2>x</result2></result>", "461");
 
-int decode(Decoder decoder, std::string text, Message& result) {
-  return (Parser().*decoder)(result, text);
-}
-
-int decode(Decoder decoder, const std::string& text) {
-  Message result;
-  return decode(decoder, text, result);
+int decode(Decoder decoder, std::string text, Message* result = nullptr) {
+  Message scratch;
+  return (Parser().*decoder)(result != nullptr ? *result : scratch, text);
 }
 
 // The element `name` (its occurrence-th, from 0, in long or short form) taken out or renamed.
@@ -139,13 +132,13 @@ TEST(ParserUnwrap, FillsTheMapAndKeepsWhatWasWrittenBeforeAFault) {
       {connResult("48", "connresult"), kFailed, {{"identifier", "connresult"}}},
       {reply("<result><result1>1</result1></result>", "0"), kFailed,
        {{"state", "0"}, {"result1", "1"}, {"identifier", kName}}},
-      {reply("<status>0</status>", "<result />", "0"), kFailed, {}},
+      {reply("<result />", "0", "<status>0</status>"), kFailed, {}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     Message result{{"kept", "yes"}}, expected = c.expected;
     expected["kept"] = "yes";
-    EXPECT_EQ(decode(&Parser::unwrap, c.text, result), c.status);
+    EXPECT_EQ(decode(&Parser::unwrap, c.text, &result), c.status);
     EXPECT_EQ(result, expected);
   }
 }

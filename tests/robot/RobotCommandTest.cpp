@@ -76,7 +76,7 @@ TEST_F(RobotCommandTest, LoginThenEveryCommandSendsItsExactText) {
             "</system><language>CPP</language></ClientInfo><tail><checksum>1243</checksum></tail></root>");
   for (const WireCase& wire : EveryCommand()) {
     SCOPED_TRACE(wire.wireName);
-    EXPECT_EQ(Exchange(wire.call, wire.wireName, "0", {{"result1", "[1, 2, 3, 4, 5, 6]"}}), 0);
+    EXPECT_EQ(Ask(wire.call, wire.wireName, "[1, 2, 3, 4, 5, 6]"), 0);
     EXPECT_EQ(sent.raw, CommandText(wire.parameters, wire.checksum));
   }
 }
@@ -90,7 +90,7 @@ TEST_F(RobotCommandTest, ASessionSetsUpDiscoversTheMotorIdsForTheAllMotorFormsAn
   EXPECT_EQ(count, 0u);
   EXPECT_EQ(Exchange([&] { return robot.hold(); }, "hold"), 0);
   EXPECT_EQ(sent.raw, CommandText("<motor_ids>[]</motor_ids>", 607));
-  EXPECT_EQ(Exchange([&] { return robot.forward(kReals, pose); }, "forward", "0", {{"result1", "[1,2,3,4,5,6]"}}), 0);
+  EXPECT_EQ(Ask([&] { return robot.forward(kReals, pose); }, "forward", "[1,2,3,4,5,6]"), 0);
   EXPECT_EQ(sent.raw, CommandText("<angles>[]</angles>", 941));
 
   std::future<int> setup = Start([&] { return robot.Setup("arm", kChannel, Setup_Mode::Virtual); });
@@ -103,10 +103,10 @@ TEST_F(RobotCommandTest, ASessionSetsUpDiscoversTheMotorIdsForTheAllMotorFormsAn
   ASSERT_TRUE(Step(controller.Reply(sent, "0", {{"result1", "[1, 2, 3, 4, 5, 6]"}})));
   EXPECT_EQ(setup.get(), 0);
 
-  EXPECT_EQ(Exchange([&] { return robot.get_current(values); }, "get_current", "0", {{"result1", "[0.5]"}}), 0);
+  EXPECT_EQ(Ask([&] { return robot.get_current(values); }, "get_current", "[0.5]"), 0);
   EXPECT_EQ(sent.parameters["motor_ids"], "[\"1\",\"2\",\"3\",\"4\",\"5\",\"6\"]");
   const double angles[6] = {0.0, 0.5, 1.0, 1.5, 2.0, 2.5};
-  EXPECT_EQ(Exchange([&] { return robot.forward(angles, pose); }, "forward", "0", {{"result1", "[1,2,3,4,5,6]"}}), 0);
+  EXPECT_EQ(Ask([&] { return robot.forward(angles, pose); }, "forward", "[1,2,3,4,5,6]"), 0);
   EXPECT_EQ(sent.parameters["angles"], "[0.000000,0.500000,1.000000,1.500000,2.000000,2.500000]");
   loggedIn = false;
   EXPECT_EQ(robot.RobotLogout(), 0);
@@ -115,7 +115,7 @@ TEST_F(RobotCommandTest, ASessionSetsUpDiscoversTheMotorIdsForTheAllMotorFormsAn
 
 TEST_F(RobotCommandTest, MotorIdsAreTheConsecutiveNumbersNamedInTheReply) {
   const auto discover = [&](const std::string& list, const std::string& state = "0") {
-    Exchange([&] { return robot._getMotorIds(); }, "get_motor_ids", state, {{"result1", list}});
+    Ask([&] { return robot._getMotorIds(); }, "get_motor_ids", list, state);
     size_t count = 0;
     int ids[16];
     robot.get_motor_ids(count, ids);

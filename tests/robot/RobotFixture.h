@@ -52,12 +52,18 @@ protected:
     return code;
   }
 
+  // A query answered with state `state` and the result list `result1`.
+  template <typename Call>
+  int Ask(Call call, const std::string& wireName, const std::string& result1, const std::string& state = "0") {
+    return Exchange(call, wireName, state, {{"result1", result1}});
+  }
+
   // The exact text of the last command sent, from its parameter elements and checksum.
   std::string CommandText(const std::string& parameters, int checksum) const {
-    return "<root><head><timestamp>" + sent.timestamp + "</timestamp><ClientID>" + clientId +
-           "</ClientID></head><function>" + (parameters.empty() ? "<parameter />" : "<parameter>" + parameters + "</parameter>") +
-           "<name>" + sent.functionName + "</name></function><tail><checksum>" + std::to_string(checksum) +
-           "</checksum></tail></root>";
+    const std::string block = parameters.empty() ? "<parameter />" : "<parameter>" + parameters + "</parameter>";
+    return "<root><head><timestamp>" + sent.timestamp + "</timestamp><ClientID>" + clientId + "</ClientID></head>"
+           "<function>" + block + "<name>" + sent.functionName + "</name></function><tail><checksum>" +
+           std::to_string(checksum) + "</checksum></tail></root>";
   }
 
   tavtest::ScriptedController controller;

@@ -11,21 +11,17 @@ constexpr double kUntouched = -77.0;
 
 TEST_F(RobotQueryTest, RealsPassThroughSinglePrecisionAndTheReplyDecidesTheCount) {
   double value = kUntouched;
-  EXPECT_EQ(Exchange([&] { return robot.get_angles(1, value); }, "get_angles", "0", {{"result1", "[0.1]"}}), 0);
+  EXPECT_EQ(Ask([&] { return robot.get_angles(1, value); }, "get_angles", "[0.1]"), 0);
   EXPECT_EQ(value, static_cast<double>(0.1f));
   const int ids[2] = {1, 2};
   double values[4] = {kUntouched, kUntouched, kUntouched, kUntouched};
-  EXPECT_EQ(Exchange([&] { return robot.get_velocity(2, ids, values); }, "get_velocity", "0",
-                     {{"result1", "[1.5, 2.5, 3.5]"}}),
-            0);
+  EXPECT_EQ(Ask([&] { return robot.get_velocity(2, ids, values); }, "get_velocity", "[1.5, 2.5, 3.5]"), 0);
   EXPECT_EQ(std::vector<double>(values, values + 4), (std::vector<double>{1.5, 2.5, 3.5, kUntouched}));
   int input = -1;
-  EXPECT_EQ(Exchange([&] { return robot.get_input(5, input); }, "get_input", "0", {{"result1", "[1]"}}), 0);
+  EXPECT_EQ(Ask([&] { return robot.get_input(5, input); }, "get_input", "[1]"), 0);
   EXPECT_EQ(input, 1);
   _Pose pose;
-  EXPECT_EQ(Exchange([&] { return robot.get_pose(pose); }, "get_position", "0",
-                     {{"result1", "[0.25, -0.5, 1, [0.1, 0, 3.5], 9]"}}),
-            0);
+  EXPECT_EQ(Ask([&] { return robot.get_pose(pose); }, "get_position", "[0.25, -0.5, 1, [0.1, 0, 3.5], 9]"), 0);
   EXPECT_EQ(pose.y, -0.5);
   EXPECT_EQ(pose.roll, static_cast<double>(0.1f));
   EXPECT_EQ(pose.yaw, 3.5);
@@ -33,10 +29,9 @@ TEST_F(RobotQueryTest, RealsPassThroughSinglePrecisionAndTheReplyDecidesTheCount
 
 TEST_F(RobotQueryTest, ARefusalIsReturnedWithTheOutputsUntouched) {
   double value = kUntouched;
-  EXPECT_EQ(Exchange([&] { return robot.get_current(3, value); }, "get_current", "1003", {{"result1", "[2.5]"}}),
-            1003);
+  EXPECT_EQ(Ask([&] { return robot.get_current(3, value); }, "get_current", "[2.5]", "1003"), 1003);
   _Pose pose{kUntouched, 0, 0, 0, 0, 0};
-  EXPECT_EQ(Exchange([&] { return robot.get_pose(pose); }, "get_position", "-3", {{"result1", "[1,2,3,4,5,6]"}}), -3);
+  EXPECT_EQ(Ask([&] { return robot.get_pose(pose); }, "get_position", "[1,2,3,4,5,6]", "-3"), -3);
   EXPECT_EQ(value, kUntouched);
   EXPECT_EQ(pose.x, kUntouched);
 }
@@ -45,17 +40,13 @@ TEST_F(RobotQueryTest, AValueThatDoesNotParseThrowsToTheCaller) {
   double value = kUntouched;
   int inputs[2] = {-1, -1};
   _Pose pose;
-  EXPECT_THROW(Exchange([&] { return robot.get_velocity(1, value); }, "get_velocity", "0", {{"result1", "[]"}}),
-               std::invalid_argument);
-  EXPECT_THROW(Exchange([&] { return robot.get_angles(1, value); }, "get_angles", "0", {{"result1", "[1e40]"}}),
-               std::out_of_range);
-  EXPECT_THROW(Exchange([&] { return robot.get_input(inputs); }, "get_input", "0", {{"result1", "[1, x]"}}),
-               std::invalid_argument);
-  EXPECT_THROW(Exchange([&] { return robot.get_pose(pose); }, "get_position", "0", {{"result1", "[1,2,3,4,5]"}}),
-               std::out_of_range);
+  EXPECT_THROW(Ask([&] { return robot.get_velocity(1, value); }, "get_velocity", "[]"), std::invalid_argument);
+  EXPECT_THROW(Ask([&] { return robot.get_angles(1, value); }, "get_angles", "[1e40]"), std::out_of_range);
+  EXPECT_THROW(Ask([&] { return robot.get_input(inputs); }, "get_input", "[1, x]"), std::invalid_argument);
+  EXPECT_THROW(Ask([&] { return robot.get_pose(pose); }, "get_position", "[1,2,3,4,5]"), std::out_of_range);
   EXPECT_EQ(value, kUntouched);
   EXPECT_EQ(inputs[0], -1) << "nothing is stored unless every value parses";
-  EXPECT_EQ(Exchange([&] { return robot.get_angles(1, value); }, "get_angles", "0", {{"result1", "[4]"}}), 0);
+  EXPECT_EQ(Ask([&] { return robot.get_angles(1, value); }, "get_angles", "[4]"), 0);
   EXPECT_EQ(value, 4.0) << "the session goes on";
 }
 
@@ -67,7 +58,8 @@ TEST_F(RobotQueryTest, RepliesAreMatchedByName) {
   std::future<int> velocityQuery = Start([&] { return robot.get_velocity(1, velocity); });
   ASSERT_TRUE(Step(controller.ReceiveCommand("get_velocity", first)));
   std::future<int> angleQuery = Start([&] { return robot.get_angles(1, angle); });
-  ASSERT_TRUE(Step(controller.ReceiveCommand("get_angles", sent)) && Step(controller.Reply(sent, "0", {{"result1", "2"}})));
+  ASSERT_TRUE(Step(controller.ReceiveCommand("get_angles", sent)) &&
+              Step(controller.Reply(sent, "0", {{"result1", "2"}})));
   EXPECT_EQ(angleQuery.get(), 0);
   EXPECT_EQ(velocity, kUntouched);
   ASSERT_TRUE(Step(controller.Reply(first, "0", {{"result1", "1"}})));

@@ -51,20 +51,6 @@ AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::s
   return AssertionSuccess();
 }
 
-AssertionResult ScriptedController::ReceiveCommand(const std::string& functionName, tavsim::ClientMessage& message,
-                                                   std::chrono::milliseconds wait) {
-  return Receive(ClientMessageKind::Command, functionName, message, wait);
-}
-
-AssertionResult ScriptedController::ReceiveClientInfo(tavsim::ClientMessage& message, std::chrono::milliseconds wait) {
-  return Receive(ClientMessageKind::ClientInfo, "", message, wait);
-}
-
-AssertionResult ScriptedController::ReceiveHeart(std::chrono::milliseconds wait) {
-  tavsim::ClientMessage message;
-  return Receive(ClientMessageKind::Heart, "", message, wait);
-}
-
 AssertionResult ScriptedController::ExpectNoMessage(std::chrono::milliseconds wait, bool closed) {
   if (AssertionResult connected = Connected(); !connected) return connected;
   if (const std::optional<std::string> text = connection_->ReadMessage(wait)) {
@@ -77,14 +63,6 @@ AssertionResult ScriptedController::ExpectNoMessage(std::chrono::milliseconds wa
     return AssertionFailure() << "the client did not close the connection within " << wait.count() << " ms";
   }
   return AssertionSuccess();
-}
-
-AssertionResult ScriptedController::ExpectSilence(std::chrono::milliseconds window) {
-  return ExpectNoMessage(window, false);
-}
-
-AssertionResult ScriptedController::ExpectClientClosed(std::chrono::milliseconds wait) {
-  return ExpectNoMessage(wait, true);
 }
 
 AssertionResult ScriptedController::Send(const std::string& bytes) {

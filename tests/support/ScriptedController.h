@@ -34,14 +34,23 @@ public:
 
   // The next message, which must be of that kind (commands: of that name) with a valid checksum.
   ::testing::AssertionResult ReceiveCommand(const std::string& functionName, tavsim::ClientMessage& message,
-                                            std::chrono::milliseconds wait = kDefaultWait);
+                                            std::chrono::milliseconds wait = kDefaultWait) {
+    return Receive(tavsim::ClientMessageKind::Command, functionName, message, wait);
+  }
   ::testing::AssertionResult ReceiveClientInfo(tavsim::ClientMessage& message,
-                                               std::chrono::milliseconds wait = kDefaultWait);
-  ::testing::AssertionResult ReceiveHeart(std::chrono::milliseconds wait = kDefaultWait);
+                                               std::chrono::milliseconds wait = kDefaultWait) {
+    return Receive(tavsim::ClientMessageKind::ClientInfo, "", message, wait);
+  }
+  ::testing::AssertionResult ReceiveHeart(std::chrono::milliseconds wait = kDefaultWait) {
+    tavsim::ClientMessage message;
+    return Receive(tavsim::ClientMessageKind::Heart, "", message, wait);
+  }
   // Nothing at all arrives within `window`.
-  ::testing::AssertionResult ExpectSilence(std::chrono::milliseconds window);
+  ::testing::AssertionResult ExpectSilence(std::chrono::milliseconds window) { return ExpectNoMessage(window, false); }
   // The client closes its side within `wait`, sending nothing more.
-  ::testing::AssertionResult ExpectClientClosed(std::chrono::milliseconds wait = kDefaultWait);
+  ::testing::AssertionResult ExpectClientClosed(std::chrono::milliseconds wait = kDefaultWait) {
+    return ExpectNoMessage(wait, true);
+  }
 
   // Raw bytes exactly as given: garbage, pieces of a message, several messages at once.
   ::testing::AssertionResult Send(const std::string& bytes);
