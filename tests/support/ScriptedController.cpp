@@ -22,7 +22,7 @@ std::string Describe(const std::string& text) {
 
 }  // namespace
 
-AssertionResult ScriptedController::Accept(std::chrono::milliseconds wait) {
+AssertionResult ScriptedController::Accept(Wait wait) {
   connection_ = listener_.Accept(wait);
   if (!connection_) return AssertionFailure() << "no client connected within " << wait.count() << " ms";
   return AssertionSuccess();
@@ -34,7 +34,7 @@ AssertionResult ScriptedController::Connected() const {
 }
 
 AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::string& functionName,
-                                            tavsim::ClientMessage& message, std::chrono::milliseconds wait) {
+                                            tavsim::ClientMessage& message, Wait wait) {
   const std::string expected = std::string(tavsim::ToString(kind)) + " message " + functionName;
   if (AssertionResult connected = Connected(); !connected) return connected;
   const std::optional<std::string> text = connection_->ReadMessage(wait);
@@ -51,7 +51,7 @@ AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::s
   return AssertionSuccess();
 }
 
-AssertionResult ScriptedController::ExpectNoMessage(std::chrono::milliseconds wait, bool closed) {
+AssertionResult ScriptedController::ExpectNoMessage(Wait wait, bool closed) {
   if (AssertionResult connected = Connected(); !connected) return connected;
   if (const std::optional<std::string> text = connection_->ReadMessage(wait)) {
     return AssertionFailure() << "expected nothing from the client, got " << Describe(*text);
@@ -71,7 +71,7 @@ AssertionResult ScriptedController::Send(const std::string& bytes) {
   return AssertionSuccess();
 }
 
-AssertionResult ScriptedController::WaitDelivered(std::chrono::milliseconds wait) {
+AssertionResult ScriptedController::WaitDelivered(Wait wait) {
   if (AssertionResult connected = Connected(); !connected) return connected;
   return WaitQueueEmpty(connection_->NativeHandle(), SIOCOUTQ, wait);
 }

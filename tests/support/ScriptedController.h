@@ -23,61 +23,56 @@ namespace tavtest {
 // instead of hanging it. One client connection at a time; a new Accept replaces the old one.
 class ScriptedController {
 public:
-  static constexpr std::chrono::milliseconds kDefaultWait{5000};
+  using Result = ::testing::AssertionResult;
+  using Wait = std::chrono::milliseconds;
   using Results = std::vector<std::pair<std::string, std::string>>;
+  static constexpr Wait kDefaultWait{5000};
 
   std::uint16_t Port() const { return listener_.Port(); }
   // The port as Client::InitializeSocket takes it.
   short PortArg() const { return static_cast<short>(listener_.Port()); }
 
-  ::testing::AssertionResult Accept(std::chrono::milliseconds wait = kDefaultWait);
+  Result Accept(Wait wait = kDefaultWait);
 
   // The next message, which must be of that kind (commands: of that name) with a valid checksum.
-  ::testing::AssertionResult ReceiveCommand(const std::string& functionName, tavsim::ClientMessage& message,
-                                            std::chrono::milliseconds wait = kDefaultWait) {
+  Result ReceiveCommand(const std::string& functionName, tavsim::ClientMessage& message, Wait wait = kDefaultWait) {
     return Receive(tavsim::ClientMessageKind::Command, functionName, message, wait);
   }
-  ::testing::AssertionResult ReceiveClientInfo(tavsim::ClientMessage& message,
-                                               std::chrono::milliseconds wait = kDefaultWait) {
+  Result ReceiveClientInfo(tavsim::ClientMessage& message, Wait wait = kDefaultWait) {
     return Receive(tavsim::ClientMessageKind::ClientInfo, "", message, wait);
   }
-  ::testing::AssertionResult ReceiveHeart(std::chrono::milliseconds wait = kDefaultWait) {
+  Result ReceiveHeart(Wait wait = kDefaultWait) {
     tavsim::ClientMessage message;
     return Receive(tavsim::ClientMessageKind::Heart, "", message, wait);
   }
   // Nothing at all arrives within `window`.
-  ::testing::AssertionResult ExpectSilence(std::chrono::milliseconds window) { return ExpectNoMessage(window, false); }
+  Result ExpectSilence(Wait window) { return ExpectNoMessage(window, false); }
   // The client closes its side within `wait`, sending nothing more.
-  ::testing::AssertionResult ExpectClientClosed(std::chrono::milliseconds wait = kDefaultWait) {
-    return ExpectNoMessage(wait, true);
-  }
+  Result ExpectClientClosed(Wait wait = kDefaultWait) { return ExpectNoMessage(wait, true); }
 
   // Raw bytes exactly as given: garbage, pieces of a message, several messages at once.
-  ::testing::AssertionResult Send(const std::string& bytes);
-  ::testing::AssertionResult SendConnResult(const std::string& result = "0") {
-    return Send(tavsim::ConnResultMessage(result));
-  }
-  ::testing::AssertionResult SendHeartReply() { return Send(tavsim::HeartReplyMessage()); }
-  ::testing::AssertionResult SendError(const std::string& code) { return Send(tavsim::ErrorMessage(code)); }
+  Result Send(const std::string& bytes);
+  Result SendConnResult(const std::string& result = "0") { return Send(tavsim::ConnResultMessage(result)); }
+  Result SendHeartReply() { return Send(tavsim::HeartReplyMessage()); }
+  Result SendError(const std::string& code) { return Send(tavsim::ErrorMessage(code)); }
   // The reply to `command`, matched to it by its function name and timestamp.
-  ::testing::AssertionResult Reply(const tavsim::ClientMessage& command, const std::string& state = "0",
-                                   const Results& results = {}) {
+  Result Reply(const tavsim::ClientMessage& command, const std::string& state = "0", const Results& results = {}) {
     return Send(tavsim::CommandReplyMessage({command.timestamp, command.functionName, state, results}));
   }
 
   // Waits until the client's kernel has taken every byte written so far (none in flight).
-  ::testing::AssertionResult WaitDelivered(std::chrono::milliseconds wait = kDefaultWait);
+  Result WaitDelivered(Wait wait = kDefaultWait);
 
   void Close() {
     if (connection_) connection_->Close();
   }
 
 private:
-  ::testing::AssertionResult Connected() const;
-  ::testing::AssertionResult Receive(tavsim::ClientMessageKind kind, const std::string& functionName,
-                                     tavsim::ClientMessage& message, std::chrono::milliseconds wait);
+  Result Connected() const;
+  Result Receive(tavsim::ClientMessageKind kind, const std::string& functionName, tavsim::ClientMessage& message,
+                 Wait wait);
   // Reads for `wait`; fails when a message, or with `closed` no close, came instead.
-  ::testing::AssertionResult ExpectNoMessage(std::chrono::milliseconds wait, bool closed);
+  Result ExpectNoMessage(Wait wait, bool closed);
 
   tavsim::LoopbackListener listener_;
   std::optional<tavsim::Connection> connection_;
