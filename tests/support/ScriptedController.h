@@ -53,7 +53,6 @@ public:
   // Raw bytes exactly as given: garbage, pieces of a message, several messages at once.
   Result Send(const std::string& bytes);
   Result SendConnResult(const std::string& result = "0") { return Send(tavsim::ConnResultMessage(result)); }
-  Result SendHeartReply() { return Send(tavsim::HeartReplyMessage()); }
   Result SendError(const std::string& code) { return Send(tavsim::ErrorMessage(code)); }
   // The reply to `command`, matched to it by its function name and timestamp.
   Result Reply(const tavsim::ClientMessage& command, const std::string& state = "0", const Results& results = {}) {
