@@ -8,12 +8,12 @@
 #include <map>
 #include <string>
 
-#include "client/Heart.h"
-#include "client/LocalSystemInfo.h"
-#include "client/Receiver.h"
-#include "client/Sender.h"
-#include "client/Tasks.h"
-#include "common/RobotEvent.h"
+#include "Heart.h"
+#include "LocalSystemInfo.h"
+#include "Receiver.h"
+#include "Sender.h"
+#include "Tasks.h"
+#include "../common/RobotEvent.h"
 
 // The session with the controller: owns the socket and the Sender, Receiver and Heart threads,
 // queues outbound messages and waits for named replies. One status code is sticky: once a

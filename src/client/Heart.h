@@ -4,7 +4,7 @@
 #include <chrono>
 #include <cstdint>
 
-#include "client/WorkerThread.h"
+#include "WorkerThread.h"
 
 // The heartbeat thread: while enabled it calls the heartbeat callback at the end of every
 // period, on its own thread, and starts the next period when the callback has returned.

@@ -8,8 +8,8 @@
 #include <mutex>
 #include <string>
 
-#include "client/SocketWorker.h"
-#include "protocol/Parser.h"
+#include "SocketWorker.h"
+#include "../protocol/Parser.h"
 
 // Owns the inbound direction: reads the socket, cuts "<root>" ... "</root>" messages out of
 // the stream, decodes them and files each under its name ("identifier") in the result store,

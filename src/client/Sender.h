@@ -6,9 +6,9 @@
 #include <mutex>
 #include <string>
 
-#include "client/SocketWorker.h"
-#include "client/Tasks.h"
-#include "protocol/Parser.h"
+#include "SocketWorker.h"
+#include "Tasks.h"
+#include "../protocol/Parser.h"
 
 // Owns the outbound direction: takes queued tasks in arrival order, turns each into one
 // message text and writes it with one send. A failed send is final: the Sender reports

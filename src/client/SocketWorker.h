@@ -4,8 +4,8 @@
 #include <atomic>
 #include <mutex>
 
-#include "client/WorkerThread.h"
-#include "common/RobotEvent.h"
+#include "WorkerThread.h"
+#include "../common/RobotEvent.h"
 
 // What the Sender and the Receiver share: the connected socket they are loaded with, their
 // last status code and the event callback through which they report it to the session.

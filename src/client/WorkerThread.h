@@ -5,7 +5,7 @@
 #include <condition_variable>
 #include <mutex>
 
-#include "thread/TavThread.h"
+#include "../thread/TavThread.h"
 
 // The life of a long-lived worker: it is started once, switches between working (while its
 // active flag is set: loaded or enabled) and idle, and ends from idle once it is stopped.

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "common/RobotEvent.h"
+#include "RobotEvent.h"
 
 enum LogLevel : int32_t {
   TAV_DEBUG = 0,

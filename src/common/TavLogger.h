@@ -7,9 +7,9 @@
 #include <mutex>
 #include <string>
 
-#include "common/LogRecord.h"
-#include "common/RobotEvent.h"
-#include "thread/TavThread.h"
+#include "LogRecord.h"
+#include "RobotEvent.h"
+#include "../thread/TavThread.h"
 
 // The library's logger: any thread queues formatted records, and the logger's own thread
 // writes them in queue order, one flushed line each, into the log file (see LogFile) in the

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "common/RobotEvent.h"
+#include "RobotEvent.h"
 
 // The last request number handed out by GetTimeStamp; 0 before the first.
 extern int32_t _TavTimeStamp;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "xml/TavXmlElement.h"
+#include "TavXmlElement.h"
 
 // Reads one inbound message into a tree of elements. Not a general XML reader: it finds
 // elements by searching for whole tags built from their names, which is exactly enough for
