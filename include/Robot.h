@@ -41,12 +41,16 @@ enum class Traj_Close_Mode : int { Open = 0, Closed = 1 };
 // when the result is 0; a reply value that is not a number throws std::invalid_argument or
 // std::out_of_range to the caller, as does a pose reply with fewer than six values.
 //
-// Array outputs must have room for as many values as the controller returns, which may be
-// more than were asked for. Reals in replies pass through single precision.
+// Array outputs receive at most as many values as the caller can hold: `count` for the forms
+// with ids, the number of cached motor ids for the forms without (inverse: six before any
+// Setup); extra reply values are ignored with a Warning in the log. The std::vector forms take
+// every value of the reply. Reals in replies pass through single precision.
 //
 // Lifecycle: RobotLogin, Setup (learns the motor ids), commands, RobotLogout, destruction.
-// Destroying a Robot that is still logged in blocks. Commands may run on several threads at
-// once; the session operations (login, Setup, logout) must not overlap with commands.
+// Destroying a Robot that is still logged in logs it out. Commands may run on several threads
+// at once; the session operations (login, Setup, logout) must not overlap with commands,
+// except that RobotLogout from another thread releases every waiting command at once.
+// Several Robots in one process are independent sessions.
 class Robot : public Client {
 public:
   Robot();
@@ -59,7 +63,9 @@ public:
   int Setup(const char* name, Setup_Param param, Setup_Mode mode);
   int _getMotorIds();
   // Copies the cached ids; never talks to the controller. Count 0 before a successful Setup.
+  // `ids` needs room for ten values, the most the controller can report.
   int get_motor_ids(size_t& count, int* ids);
+  int get_motor_ids(std::vector<int>& ids);
 
   // Controller state.
   int recover();
@@ -102,20 +108,29 @@ public:
   int get_current(int motor_id, double& value);
   int get_current(unsigned long count, const int* motor_ids, double* values);
   int get_current(double* values);
+  int get_current(unsigned long count, const int* motor_ids, std::vector<double>& values);
+  int get_current(std::vector<double>& values);
   int get_velocity(int motor_id, double& value);
   int get_velocity(unsigned long count, const int* motor_ids, double* values);
   int get_velocity(double* values);
+  int get_velocity(unsigned long count, const int* motor_ids, std::vector<double>& values);
+  int get_velocity(std::vector<double>& values);
   int get_angles(int motor_id, double& value);
   int get_angles(unsigned long count, const int* motor_ids, double* values);
   int get_angles(double* values);
+  int get_angles(unsigned long count, const int* motor_ids, std::vector<double>& values);
+  int get_angles(std::vector<double>& values);
   int get_input(int motor_id, int& value);
   int get_input(unsigned long count, const int* motor_ids, int* values);
   int get_input(int* values);
+  int get_input(unsigned long count, const int* motor_ids, std::vector<int>& values);
+  int get_input(std::vector<int>& values);
   int get_pose(_Pose& pose);
 
   // Kinematics, computed by the controller. forward reads one angle per cached motor id.
   int forward(const double* angles, _Pose& pose);
   int inverse(_Pose pose, double* angles);
+  int inverse(_Pose pose, std::vector<double>& angles);
 
   // Wire texts of the parameters. Each replaces `out` and returns 0.
   int to_SetupParamString(Setup_Param param, std::string& text);
@@ -154,7 +169,11 @@ private:
   int _queryValue(const std::string& function_name, const Parameters& parameters, Number& value);
   template <typename Number>
   int _queryValues(const std::string& function_name, const Parameters& parameters,
-                   Number* values);
+                   std::vector<Number>& values);
+  // At most `capacity` values are written.
+  template <typename Number>
+  int _queryValues(const std::string& function_name, const Parameters& parameters,
+                   Number* values, size_t capacity);
   int _queryPose(const std::string& function_name, const Parameters& parameters, _Pose& pose);
 
   // The keys of moveJ, moveL and moveP: the points, then the path's speeds and closure.

@@ -18,6 +18,7 @@ constexpr Robot_Event kReplyTimeout = 1003031;        // no reply within 3600 se
 constexpr Robot_Event kSocketSetupFailed = 1004011;   // socket() failed or the address is bad
 constexpr Robot_Event kConnectFailed = 1004021;       // connect() failed
 constexpr Robot_Event kResourceFailed = 1005011;      // directory, properties file or key
+constexpr Robot_Event kInvalidArgument = 1006011;     // an argument was refused
 }  // namespace RobotEvents
 
 #endif

@@ -55,9 +55,10 @@ protected:
 };
 
 TEST_F(ClientTest, QueuedTasksLeaveInOrderAndRepliesAreCollectedByName) {
+  EXPECT_EQ(RobotEvents::kSendFailed, client.AddTasks(CommandTask("stop", 5200))) << "not connected yet";
+  ASSERT_NO_FATAL_FAILURE(Connect());
   ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("move_to_angles", 5201, {{"velocity", "0.5"}})));
   ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", 5202)));
-  ASSERT_NO_FATAL_FAILURE(Connect());
   tavsim::ClientMessage move, recover;
   ASSERT_TRUE(controller.ReceiveCommand("move_to_angles", move));
   EXPECT_EQ("0.5", move.parameters["velocity"]);
@@ -90,7 +91,7 @@ TEST_F(ClientTest, ServerErrorIsReturnedByEveryLaterCallAndPrinted) {
 TEST_F(ClientTest, UnparsableAddressLeavesTheSessionUsableAndRefusedConnectPoisonsIt) {
   EXPECT_EQ(RobotEvents::kSocketSetupFailed, client.InitializeSocket("127.0.0.256", controller.PortArg()));
   EXPECT_EQ(RobotEvents::kSocketSetupFailed, client.InitializeSocket("localhost", controller.PortArg()));
-  EXPECT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", 1)));
+  EXPECT_EQ(RobotEvents::kSendFailed, client.AddTasks(CommandTask("recover", 1))) << "not connected, not failed";
   const tavsim::RefusingPort refusing;
   EXPECT_EQ(RobotEvents::kConnectFailed, client.InitializeSocket("127.0.0.1", static_cast<short>(refusing.Port())));
   EXPECT_EQ(RobotEvents::kConnectFailed, client.AddTasks(CommandTask("recover", 2)));
