@@ -105,7 +105,6 @@ public:
                            tour_.Run("linear path up, across, down", [this] { return LinearPath(); }) &&
                            tour_.Run("set output 1, read input 1", [this] { return OutputAndInput(); }) &&
                            tour_.Run("gripper: close, then open", [this] { return Gripper(); });
-    // Always log out: a Robot still logged in would block its own destruction.
     const bool loggedOut = tour_.Run("log out", [this] { return Outcome{robot_.RobotLogout(), ""}; });
     std::printf("tour %s in %.1f s\n", completed && loggedOut ? "finished" : "stopped", tour_.Seconds());
     return completed && loggedOut;

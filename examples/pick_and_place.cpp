@@ -63,6 +63,6 @@ int main(int argc, char** argv) {
   } else {
     std::printf("failed with code %d\n", code);
   }
-  robot.RobotLogout();  // always, before the Robot is destroyed
+  robot.RobotLogout();
   return code == 0 ? 0 : 1;
 }

@@ -6,6 +6,7 @@
 
 #include "Commands.h"
 #include "WorkerFixture.h"
+#include "client/MessageFramer.h"
 #include "client/Receiver.h"
 #include "common/RobotEvent.h"
 #include "core/ControllerReplies.h"
@@ -96,6 +97,55 @@ TEST_F(ReceiverTest, ReplyWithABadChecksumStopsTheReceiverForGood) {
 // "<a/>" without its blank makes the parser throw; the Receiver must not.
 TEST_F(ReceiverTest, TextThatMakesTheParserThrowStopsTheReceiverForGood) {
   ExpectStopsForGood("<root><a/></root>");
+}
+
+TEST_F(ReceiverTest, AMessageThatNeverEndsStopsTheReceiverForGood) {
+  ExpectStopsForGood("<root>" + std::string(MessageFramer::kMaxMessageSize, 'x'));
+}
+
+// An Error without a usable code must still fail the session: as a status, 0 would be success.
+TEST_F(ReceiverTest, AnErrorWhoseCodeReadsAsZeroIsReportedAsUnreadable) {
+  ASSERT_TRUE(SendAsOneRead(tavsim::ErrorMessage("none")));
+  EXPECT_EQ(EventLog::WaitFor(1), Events{RobotEvents::kDecodeFailed});
+}
+
+// The end of a connection is one event, however the read fails; a later load reads again.
+TEST_F(ReceiverTest, AResetOrACloseIsReportedOnce) {
+  controller.Reset();
+  ASSERT_EQ(EventLog::WaitFor(1), Events{RobotEvents::kReceiveFailed});
+  EXPECT_EQ(EventLog::WaitFor(2, 300ms), Events{RobotEvents::kReceiveFailed});
+  ASSERT_NO_FATAL_FAILURE(Reconnect());
+  controller.Close();
+  EXPECT_EQ(EventLog::WaitFor(3, 300ms), Events(2, RobotEvents::kReceiveFailed));
+}
+
+// Only replies someone may still collect are kept: an entry left from before a request is
+// stale (the counter wrapped), and a reply whose caller gave up is dropped when it comes.
+TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
+  ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}})));
+  Message result;
+  worker->Expect("get_angles9");
+  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("get_angles9", result));
+
+  EXPECT_EQ(RobotEvents::kReplyTimeout, Collect("get_angles9", result, 50ms));
+  ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}})));
+  ASSERT_TRUE(SendAsOneRead(Reply("10", "stop")));
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("stop10", result));
+  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("get_angles9", result)) << "the late reply was dropped";
+  ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "1"}})));
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("get_angles9", result));
+  EXPECT_EQ("1", result["result1"]) << "the next reply of that name is kept";
+}
+
+TEST_F(ReceiverTest, RepliesNobodyAskedForAreCapped) {
+  std::string flood;
+  for (std::size_t i = 0; i <= Receiver::kMaxUnclaimedReplies; ++i) flood += Reply(std::to_string(i), "stop");
+  ASSERT_TRUE(SendAsOneRead(flood + Reply("9999", "recover")));
+  Message result;
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("recover9999", result));
+  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("stop0", result)) << "the oldest went first";
+  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("stop1", result));
+  EXPECT_EQ(RobotEvents::kSuccess, worker->GetRecv("stop2", result));
 }
 
 }  // namespace
