@@ -47,8 +47,8 @@ protected:
     return code == 0 ? ::testing::AssertionSuccess() : ::testing::AssertionFailure() << "login returned " << code;
   }
 
-  // Starts get_angles and waits until the controller has its request, which stays unanswered.
-  std::future<int> PendingQuery(double& angle) {
+  // Starts get_angles into `angle` and waits until the controller has its request, which stays unanswered.
+  std::future<int> PendingQuery() {
     std::future<int> query = std::async(std::launch::async, [&] { return robot.get_angles(1, angle); });
     EXPECT_TRUE(controller.ReceiveCommand("get_angles", pending));
     return query;
@@ -76,7 +76,7 @@ TEST_F(RobotSessionTest, ACommandWithoutAConnectionIsRefusedAtOnce) {
 
 TEST_F(RobotSessionTest, LogoutFromAnotherThreadReleasesAWaitingCall) {
   ASSERT_TRUE(LogIn(robot));
-  std::future<int> query = PendingQuery(angle);
+  std::future<int> query = PendingQuery();
   const auto logout = Clock::now();
   EXPECT_EQ(robot.RobotLogout(), 0);
   ASSERT_EQ(query.wait_for(1s), std::future_status::ready);
@@ -92,7 +92,7 @@ TEST_F(RobotSessionTest, TheReplyTimeoutBoundsAWaitAndLeavesTheSessionUsable) {
   ASSERT_EQ(robot.SetReplyTimeout(0.3), 0);
   ASSERT_TRUE(LogIn(robot));
   const auto start = Clock::now();
-  std::future<int> query = PendingQuery(angle);
+  std::future<int> query = PendingQuery();
   EXPECT_EQ(query.get(), RobotEvents::kReplyTimeout);
   const auto waited = Clock::now() - start;
   EXPECT_GE(waited, 300ms);
@@ -100,7 +100,7 @@ TEST_F(RobotSessionTest, TheReplyTimeoutBoundsAWaitAndLeavesTheSessionUsable) {
 
   // The late reply is dropped; the next call gets its own.
   ASSERT_TRUE(controller.Reply(pending, "0", {{"result1", "[666]"}}));
-  std::future<int> next = PendingQuery(angle);
+  std::future<int> next = PendingQuery();
   ASSERT_TRUE(controller.Reply(pending, "0", {{"result1", "[1]"}}));
   EXPECT_EQ(next.get(), 0);
   EXPECT_EQ(angle, 1.0);
@@ -112,7 +112,7 @@ TEST_F(RobotSessionTest, AWrappedCounterNeverCollectsAStaleReply) {
   ASSERT_EQ(robot.SetReplyTimeout(0.2), 0);
   ASSERT_TRUE(LogIn(robot));
   _TavTimeStamp = 10238;
-  EXPECT_EQ(PendingQuery(angle).get(), RobotEvents::kReplyTimeout);
+  EXPECT_EQ(PendingQuery().get(), RobotEvents::kReplyTimeout);
   ASSERT_TRUE(controller.Reply(pending, "0", {{"result1", "[666]"}}));
   ASSERT_TRUE(controller.Send(tavsim::CommandReplyMessage({"1", "get_angles", "0", {{"result1", "[667]"}}})));
   // Answered after both, so the Robot has read them when it asks again.
@@ -121,7 +121,7 @@ TEST_F(RobotSessionTest, AWrappedCounterNeverCollectsAStaleReply) {
   ASSERT_EQ(stop.get(), 0);
   const auto askAgain = [&](int counterBefore, const std::string& timestamp) {
     _TavTimeStamp = counterBefore;
-    std::future<int> query = PendingQuery(angle);
+    std::future<int> query = PendingQuery();
     EXPECT_EQ(pending.timestamp, timestamp);
     ASSERT_TRUE(controller.Reply(pending, "0", {{"result1", "[1]"}}));
     EXPECT_EQ(query.get(), 0);
