@@ -122,8 +122,9 @@ TEST_F(ReceiverTest, AResetOrACloseIsReportedOnce) {
 // Only replies someone may still collect are kept: an entry left from before a request is
 // stale (the counter wrapped), and a reply whose caller gave up is dropped when it comes.
 TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
-  ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}})));
+  ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}}) + Reply("8", "stop")));
   Message result;
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("stop8", result));  // filed after the stale one
   worker->Expect("get_angles9");
   EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("get_angles9", result));
 
