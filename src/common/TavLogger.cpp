@@ -2,11 +2,12 @@
 
 #include <cstdarg>
 #include <ctime>
+#include <memory>
 #include <utility>
 
 #include "common/LocalTime.h"
-#include "common/LogFile.h"
 #include "common/LogFormat.h"
+#include "common/LogPlacement.h"
 #include "common/TavResource.h"
 
 TavLogger& TavLogger::GetInstance() {
@@ -34,7 +35,9 @@ void TavLogger::StartLogging() {
   if (threadStarted) {
     return;
   }
-  logDirectory = TavResource::GetInstance().GetLogPath();
+  const TavResource& resource = TavResource::GetInstance();
+  logDirectory = resource.GetLogPath();
+  homeNotice = resource.GetHomeNotice();
   running = true;
   threadStarted = Start();
   if (!threadStarted) {
@@ -86,10 +89,13 @@ bool TavLogger::_nextRecord(log_message& record) {
 }
 
 void TavLogger::Run() {
-  LogFile file(logDirectory, std::time(nullptr));
+  const std::unique_ptr<LogFile> file = OpenLogFile(logDirectory, homeNotice, std::time(nullptr));
   log_message record{};
+  // Without a file the records are still taken, so that the queue does not grow.
   while (_nextRecord(record)) {
-    const std::time_t now = std::time(nullptr);
-    file.Write(now, FormatLogLine(LogLineTime(now), record));
+    if (file) {
+      const std::time_t now = std::time(nullptr);
+      file->Write(now, FormatLogLine(LogLineTime(now), record));
+    }
   }
 }

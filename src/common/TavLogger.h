@@ -13,7 +13,8 @@
 
 // The library's logger: any thread queues formatted records, and the logger's own thread
 // writes them in queue order, one flushed line each, into the log file (see LogFile) in the
-// log directory of TavResource. Formats follow FormatLogText, not printf.
+// log directory of TavResource, or where OpenLogFile falls back to, or nowhere. Formats follow
+// FormatLogText, not printf.
 //
 // Records queued before the thread starts wait in the queue. At process exit the singleton's
 // destructor stops the thread after it has written everything queued and joins it.
@@ -24,8 +25,9 @@ public:
   TavLogger(const TavLogger&) = delete;
   TavLogger& operator=(const TavLogger&) = delete;
 
-  // Marks the logger running and starts its thread, taking the log directory from TavResource
-  // (so Load comes first). Later calls do nothing while the first thread is there.
+  // Marks the logger running and starts its thread, taking the log directory and the notice
+  // about HOME from TavResource (so Load comes first). Later calls do nothing while the first
+  // thread is there.
   void StartLogging();
 
   // Level INFO, no event.
@@ -35,7 +37,8 @@ public:
   // Level ERROR whatever the level argument, which is kept with the record.
   void Error(LogLevel level, Robot_Event event, const char* format, ...);
 
-  // The thread body: opens the file, then writes records until stopped and drained.
+  // The thread body: opens the file (see OpenLogFile), then writes records until stopped and
+  // drained.
   void Run() override;
 
 private:
@@ -55,6 +58,7 @@ private:
   // Guarded by the mutex.
   bool threadStarted;
   std::string logDirectory;
+  std::string homeNotice;
 };
 
 #endif
