@@ -1,7 +1,6 @@
 // A Robot's session as an application lives it: calls without a connection, waits that the
 // application bounds or cancels, destruction while logged in, descriptors, and replies that
 // come too late or were never asked for.
-#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -17,20 +16,13 @@
 #include "core/LoopbackListener.h"
 #include "robot/RobotFixture.h"
 #include "support/Polling.h"
+#include "support/ProcessProbe.h"
 #include "support/TemporaryHome.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
-
-std::size_t OpenDescriptors() {
-  std::size_t count = 0;
-  DIR* directory = ::opendir("/proc/self/fd");
-  while (::readdir(directory) != nullptr) ++count;
-  ::closedir(directory);
-  return count;
-}
 
 // A Robot that is not logged in, and a controller that takes its logins.
 class RobotSessionTest : public ::testing::Test {
@@ -154,12 +146,12 @@ TEST_F(RobotSessionTest, DescriptorsAreNeitherLeakedNorClosedTwice) {
   const tavsim::RefusingPort refusing;
   // The logger's file stays open for the process: count once it is there.
   ASSERT_TRUE(tavtest::PollUntil(2s, [] { return !tavtest::LogLines(::getenv("HOME")).empty(); }));
-  const std::size_t before = OpenDescriptors();
+  const std::size_t before = tavtest::OpenDescriptorCount();
   for (int i = 0; i < 100; ++i) {
     Robot failed;
     ASSERT_EQ(failed.RobotLogin("127.0.0.1", static_cast<short>(refusing.Port())), RobotEvents::kConnectFailed);
   }
-  EXPECT_EQ(OpenDescriptors(), before);
+  EXPECT_EQ(tavtest::OpenDescriptorCount(), before);
 
   ASSERT_TRUE(LogIn(robot));
   ASSERT_EQ(robot.RobotLogout(), 0);
