@@ -196,10 +196,17 @@ void Client::_setStatus(Robot_Event event) {
   receiver.WakeWaiters();
 }
 
-// Printed before the status is set, so whoever sees the status also finds the line.
+// The first event fails the session for good; a later one follows from it (a reset meets the
+// Receiver in its read and the Sender in its send) and is left to its worker's log line, so the
+// code that calls have returned stays the session's. Printed before the status is set, so
+// whoever sees the status also finds the line.
 void Client::_eventCallback(Robot_Event event, void* client) {
+  Client* session = static_cast<Client*>(client);
+  if (session->eventReported.exchange(true)) {
+    return;
+  }
   PrintEventLine(event);
-  static_cast<Client*>(client)->_setStatus(event);
+  session->_setStatus(event);
 }
 
 // The wait also ends with the heart disabled: after a logout no reply can come, and the heart

@@ -22,7 +22,8 @@
 // its workers report to it alone, so several live side by side in one process.
 //
 // One status code is sticky: once a worker has reported an event (or a connect failed) every
-// operation returns it, and the session stays failed until a new Client is made. Closing the
+// operation returns it, and the session stays failed until a new Client is made. Only the
+// first event is reported: a later one follows from the failure already reported. Closing the
 // connection (FinalizeSocket from any thread, the peer, a failed read) releases every waiting
 // call at once. Destroying a connected Client closes its connection first.
 class Client {
@@ -73,6 +74,8 @@ private:
   sockaddr_in serverAddress{};
   int socketFd = -1;
   std::atomic<int> status{RobotEvents::kSuccess};
+  // Set by the first event the workers report; the session reports no other.
+  std::atomic<bool> eventReported{false};
   LocalSystemInfo localSystemInfo;
   std::atomic<bool> connected{false};
   // Counts closed connections, so a waiter can tell that the one it waits on has gone.

@@ -152,6 +152,33 @@ TEST(ClientLifecycleTest, ConstructorThatThrowsJoinsTheWorkersItStarted) {
   EXPECT_TRUE(ThreadCountReturnsTo(baseline)) << tavtest::ThreadCount() << " threads, " << baseline << " expected";
 }
 
+// A reset that both workers see, the Receiver in its read and the Sender in a send of the tasks
+// still queued, ends one connection: it is reported once, and the code the first failing call
+// returned stays the session's.
+TEST(ClientLifecycleTest, AResetSeenByBothWorkersIsReportedOnce) {
+  tavtest::ScriptedController controller;
+  ::testing::internal::CaptureStdout();
+  int failed = RobotEvents::kSuccess;
+  {
+    Client client;
+    ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
+    ASSERT_TRUE(controller.Accept());
+    // Far more than the loopback socket buffers hold while the controller reads nothing.
+    for (int task = 0; task < 1000; ++task) {
+      ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", task, {{"pad", std::string(16384, 'x')}})));
+    }
+    controller.Reset();
+    EXPECT_TRUE(tavtest::PollUntil(2s, [&] { return (failed = client.AddTasks(CommandTask("stop", 0))) != 0; }));
+    EXPECT_TRUE(tavtest::PollUntil(2s, [] {
+      for (const std::string& line : tavtest::LogLines(::getenv("HOME"))) {
+        if (line.find("Sender thread send failed.") != std::string::npos) return true;
+      }
+      return false;
+    })) << "the Sender met the reset too";
+  }  // joins the workers: every report has been made
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "call back " + std::to_string(failed) + "\n");
+}
+
 // A server that closes while a call waits fails the call at once and quietly; the Clients made
 // afterwards connect, and their construct/connect/disconnect/destroy cycles leave no thread behind.
 TEST(ClientLifecycleTest, ServerClosingFailsAWaitingCallPromptlyAndLaterCyclesLeaveNoThread) {
