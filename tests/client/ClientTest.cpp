@@ -165,7 +165,8 @@ TEST(ClientLifecycleTest, AResetSeenByBothWorkersIsReportedOnce) {
     ASSERT_TRUE(controller.Accept());
     // Far more than the loopback socket buffers hold while the controller reads nothing.
     for (int task = 0; task < 1000; ++task) {
-      ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", task, {{"pad", std::string(16384, 'x')}})));
+      const Message padding{{"pad", std::string(16384, 'x')}};
+      ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", task, padding)));
     }
     controller.Reset();
     EXPECT_TRUE(tavtest::PollUntil(2s, [&] { return (failed = client.AddTasks(CommandTask("stop", 0))) != 0; }));
