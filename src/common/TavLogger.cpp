@@ -1,13 +1,23 @@
 #include "common/TavLogger.h"
 
+#include <chrono>
 #include <cstdarg>
 #include <ctime>
+#include <thread>
 #include <utility>
 
 #include "common/LocalTime.h"
 #include "common/LogFile.h"
 #include "common/LogFormat.h"
 #include "common/TavResource.h"
+
+namespace {
+
+// Long enough to gather the records of many commands, short enough that a line still follows
+// its event at once to a reader of the file.
+constexpr std::chrono::milliseconds kGatherWindow{2};
+
+}  // namespace
 
 TavLogger& TavLogger::GetInstance() {
   static TavLogger instance;
@@ -74,22 +84,30 @@ void TavLogger::_enqueue(log_message record) {
   condition.notify_one();
 }
 
-bool TavLogger::_nextRecord(log_message& record) {
+// While the thread gathers it waits on nothing, so the records queued meanwhile signal no one
+// and cost their producers no wake-up.
+bool TavLogger::_nextBatch(std::deque<log_message>& batch) {
   std::unique_lock<std::mutex> lock(mutex);
   condition.wait(lock, [this] { return !queue.empty() || !running; });
   if (queue.empty()) {
     return false;
   }
-  record = std::move(queue.front());
-  queue.pop_front();
+  if (running) {
+    lock.unlock();
+    std::this_thread::sleep_for(kGatherWindow);
+    lock.lock();
+  }
+  batch.clear();
+  batch.swap(queue);
   return true;
 }
 
+// A batch is written at one time, so its lines share the time stamp and the rotation check.
 void TavLogger::Run() {
   LogFile file(logDirectory, std::time(nullptr));
-  log_message record{};
-  while (_nextRecord(record)) {
+  std::deque<log_message> batch;
+  while (_nextBatch(batch)) {
     const std::time_t now = std::time(nullptr);
-    file.Write(now, FormatLogLine(LogLineTime(now), record));
+    file.Write(now, FormatLogLines(LogLineTime(now), batch));
   }
 }
