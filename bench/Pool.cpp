@@ -28,7 +28,8 @@ void Prepare(Robot& robot, std::uint16_t port) {
 void Open(std::size_t robotCount, std::size_t simulatorCount) {
   Close();
   for (std::size_t i = 0; i < simulatorCount; ++i) {
-    simulators.push_back(std::make_unique<tavsim::SimulatorServer>());
+    const tavsim::ServerOptions options;  // named: GCC 12 warns falsely on the default argument
+    simulators.push_back(std::make_unique<tavsim::SimulatorServer>(options));
   }
   for (std::size_t i = 0; i < robotCount; ++i) {
     robots.push_back(std::make_unique<Robot>());

@@ -113,13 +113,17 @@ void Table::PrintLatencies() const {
             " B reply",
         latency(floor), "1, 1", "");
   });
+  const auto ratios = [&](const Run& run) {
+    return Fixed(Counter(run, "median_us") / floorMedian, 2) + ", " + Fixed(Counter(run, "p99_us") / floorTail, 2);
+  };
+  WithRun("hand-off", 1, "two thread hand-offs (condition variable ping-pong), no socket",
+          [&](const std::string& what, const Run& run) { Row(what, latency(run), ratios(run), ""); });
   const std::pair<const char*, const char*> commands[] = {
       {"get_angles 1", "get_angles, 1 motor"}, {"get_angles 6", "get_angles, 6 motors"}, {"move_to_angles", "move_to_angles, 1 motor"}};
   for (const auto& [name, title] : commands) {
     WithRun(name, 1, title, [&](const std::string& what, const Run& run) {
       const double ratio = Counter(run, "median_us") / floorMedian;
-      Row(what, latency(run), Fixed(ratio, 2) + ", " + Fixed(Counter(run, "p99_us") / floorTail, 2),
-          "median ≤ 2 × floor: " + Verdict(ratio <= 2.0));
+      Row(what, latency(run), ratios(run), "median ≤ 2 × floor: " + Verdict(ratio <= 2.0));
     });
   }
 }
@@ -142,6 +146,10 @@ void Table::PrintThroughput() const {
               {"4 Robots, 4 simulators", 4, "get_angles from 4 Robots on a simulator each, a thread each", false}};
   for (const auto& row : rows) {
     WithRun(row.name, row.threads, row.what, [&](const std::string& what, const Run& run) {
+      if (single <= 0) {
+        Row(what, Count(rate(run)) + " calls/s", "", row.targeted ? "≥ 2 × 1 thread: no 1-thread figure" : "");
+        return;
+      }
       const double speedUp = rate(run) / single;
       Row(what, Count(rate(run)) + " calls/s (" + Fixed(speedUp, 2) + " × 1 thread)", "",
           row.targeted ? "≥ 2 × 1 thread: " + Verdict(speedUp >= 2.0) : "");

@@ -34,7 +34,8 @@ void Relay(tavsim::LoopbackListener& listener, std::uint16_t simulatorPort, Wire
 }
 
 WireExchange Capture() {
-  tavsim::SimulatorServer simulator;
+  const tavsim::ServerOptions options;  // named: GCC 12 warns falsely on the default argument
+  tavsim::SimulatorServer simulator(options);
   tavsim::LoopbackListener listener;
   WireExchange last;
   std::thread relay(Relay, std::ref(listener), simulator.Port(), std::ref(last));
