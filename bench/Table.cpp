@@ -130,10 +130,11 @@ void Table::PrintLatencies() const {
 
 void Table::PrintThroughput() const {
   const auto rate = [](const Run& run) { return Counter(run, "items_per_second"); };
+  const auto cpu = [](const Run& run) { return ", " + Fixed(Counter(run, "cpu_us_per_call"), 1) + " µs CPU per call"; };
   double single = 0;
   WithRun("one Robot", 1, "get_angles from 1 caller thread, one Robot", [&](const std::string& what, const Run& run) {
     single = rate(run);
-    Row(what, Count(single) + " calls/s", "", "");
+    Row(what, Count(single) + " calls/s" + cpu(run), "", "");
   });
   const struct {
     const char* name;
@@ -147,11 +148,11 @@ void Table::PrintThroughput() const {
   for (const auto& row : rows) {
     WithRun(row.name, row.threads, row.what, [&](const std::string& what, const Run& run) {
       if (single <= 0) {
-        Row(what, Count(rate(run)) + " calls/s", "", row.targeted ? "≥ 2 × 1 thread: no 1-thread figure" : "");
+        Row(what, Count(rate(run)) + " calls/s" + cpu(run), "", row.targeted ? "≥ 2 × 1 thread: no 1-thread figure" : "");
         return;
       }
       const double speedUp = rate(run) / single;
-      Row(what, Count(rate(run)) + " calls/s (" + Fixed(speedUp, 2) + " × 1 thread)", "",
+      Row(what, Count(rate(run)) + " calls/s (" + Fixed(speedUp, 2) + " × 1 thread)" + cpu(run), "",
           row.targeted ? "≥ 2 × 1 thread: " + Verdict(speedUp >= 2.0) : "");
     });
   }
