@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Installs, through apt, whatever a fresh Debian 12 machine lacks to build and test the project.
+# Installs, through apt, whatever a fresh Debian 12 machine lacks to build, test and benchmark the project.
 set -euo pipefail
 
-packages=(cmake g++ make libgtest-dev libgmock-dev valgrind)
+packages=(cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev valgrind)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -40,7 +40,10 @@ void Receiver::Expect(const std::string& name) {
 int Receiver::WaitRecv(const std::string& name, Message& result, const std::function<bool()>& abandon,
                        Clock::time_point deadline) {
   std::unique_lock<std::mutex> lock(storeMutex);
-  replyFiled.wait_until(lock, deadline, [&] { return store.count(name) != 0 || abandon(); });
+  const Waiter filed = std::make_shared<std::condition_variable>();
+  const auto registration = waiters.emplace(name, filed);
+  filed->wait_until(lock, deadline, [&] { return store.count(name) != 0 || abandon(); });
+  waiters.erase(registration);
   if (_takeLocked(name, result) == RobotEvents::kSuccess) {
     return RobotEvents::kSuccess;
   }
@@ -50,7 +53,18 @@ int Receiver::WaitRecv(const std::string& name, Message& result, const std::func
 
 void Receiver::WakeWaiters() {
   std::lock_guard<std::mutex> lock(storeMutex);
-  replyFiled.notify_all();
+  for (const auto& [name, waiter] : waiters) {
+    waiter->notify_all();
+  }
+}
+
+std::vector<Receiver::Waiter> Receiver::_waitersOfLocked(const std::string& name) const {
+  std::vector<Waiter> found;
+  const auto [first, last] = waiters.equal_range(name);
+  for (auto waiter = first; waiter != last; ++waiter) {
+    found.push_back(waiter->second);
+  }
+  return found;
 }
 
 int Receiver::_takeLocked(const std::string& name, Message& result) {
@@ -176,6 +190,7 @@ int Receiver::_decode(Message& result, std::string& message) {
 
 void Receiver::_file(const std::string& name, const Message& result) {
   TavLogger& logger = TavLogger::GetInstance();
+  std::vector<Waiter> toWake;
   {
     std::lock_guard<std::mutex> lock(storeMutex);
     if (abandoned.erase(name) != 0) {
@@ -191,6 +206,9 @@ void Receiver::_file(const std::string& name, const Message& result) {
       logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped an uncollected %s msg.",
                      dropped.c_str());
     }
+    toWake = _waitersOfLocked(name);
   }
-  replyFiled.notify_all();
+  for (const Waiter& waiter : toWake) {
+    waiter->notify_all();
+  }
 }

@@ -6,8 +6,10 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "MessageFramer.h"
 #include "SocketWorker.h"
@@ -60,6 +62,10 @@ private:
     std::uint64_t order;
   };
   using Entries = std::map<std::string, Entry>;
+  // A caller in WaitRecv. Each has its own condition variable, so that a filed reply wakes its
+  // caller alone rather than every caller of the session; shared, so that it can be notified
+  // after the store's lock is released even if its caller has gone by then.
+  using Waiter = std::shared_ptr<std::condition_variable>;
 
   // Cuts, decodes and files or reports every complete message of the stream buffer.
   void _handleStream();
@@ -68,6 +74,7 @@ private:
   void _stopForGood(Robot_Event event, const char* line);
   int _decode(Message& result, std::string& message);
   void _file(const std::string& name, const Message& result);
+  std::vector<Waiter> _waitersOfLocked(const std::string& name) const;
   int _takeLocked(const std::string& name, Message& result);
   // Adds an entry, dropping the oldest beyond `limit`; returns the name dropped, if any.
   static std::string _addBounded(Entries& entries, const std::string& name, Message message,
@@ -81,9 +88,9 @@ private:
   // Guarded by storeMutex.
   Entries store;
   Entries abandoned;  // names whose waiter gave up; their messages are empty
+  std::multimap<std::string, Waiter> waiters;
   std::uint64_t filings = 0;
   std::mutex storeMutex;
-  std::condition_variable replyFiled;
 };
 
 #endif

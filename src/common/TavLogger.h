@@ -12,9 +12,14 @@
 #include "../thread/TavThread.h"
 
 // The library's logger: any thread queues formatted records, and the logger's own thread
-// writes them in queue order, one flushed line each, into the log file (see LogFile) in the
-// log directory of TavResource, or where OpenLogFile falls back to, or nowhere. Formats follow
+// writes them in queue order, one line each, into the log file (see LogFile) in the log
+// directory of TavResource, or where OpenLogFile falls back to, or nowhere. Formats follow
 // FormatLogText, not printf.
+//
+// The logger thread takes records in batches: woken by the first record, it lets the others
+// of the moment gather for kGatherWindow, then writes all of them with one flushed write. A
+// line thus reaches the file within a few milliseconds, and a busy session wakes the logger
+// and writes to the file a few hundred times a second rather than twice per command.
 //
 // Records queued before the thread starts wait in the queue. At process exit the singleton's
 // destructor stops the thread after it has written everything queued and joins it.
@@ -46,8 +51,9 @@ private:
   ~TavLogger() override;
 
   void _enqueue(log_message record);
-  // Waits for the next record; false once stopped with nothing left to write.
-  bool _nextRecord(log_message& record);
+  // Waits for records and moves every queued one into `batch`; false once stopped with
+  // nothing left to write.
+  bool _nextBatch(std::deque<log_message>& batch);
 
   std::deque<log_message> queue;
   std::mutex mutex;

@@ -22,7 +22,7 @@ int Robot::_roundTrip(const std::string& function_name, const Parameters& parame
   task.params["function_name"] = function_name;
   for (const auto& [key, text] : parameters) task.params[key] = text;
 
-  if (const int code = Exchange(task, function_name + timestamp, reply)) return code;
+  if (const int code = Exchange(std::move(task), function_name + timestamp, reply)) return code;
   return GetRobotEvent(ReplyText::ValueOf(reply, "state"));
 }
 

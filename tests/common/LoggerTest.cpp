@@ -107,8 +107,9 @@ TEST(LogFileTest, NamesFilesAfterTheStartAndMovesOnWithTheFirstRecordOfEachLater
 
 TEST(LogFileTest, LinesCarryTheTimeTheLevelAndAboveInfoTheEvent) {
   EXPECT_EQ(LogLineTime(SampleStart()), "2026-01-02 03:04:05");
-  EXPECT_EQ(FormatLogLine("T", {TAV_DEBUG, TAV_DEBUG, 5, "text"}), "T DEBUG: text");
-  EXPECT_EQ(FormatLogLine("T", {static_cast<LogLevel>(9), TAV_DEBUG, 2, "x"}), "T ERROR (2): x");
+  EXPECT_EQ(FormatLogLines("T", {{TAV_DEBUG, TAV_DEBUG, 5, "text"}}), "T DEBUG: text");
+  EXPECT_EQ(FormatLogLines("T", {{static_cast<LogLevel>(9), TAV_DEBUG, 2, "x"}, {TAV_INFO, TAV_DEBUG, 0, ""}}),
+            "T ERROR (2): x\nT INFO: ");
 }
 
 TEST(TavLoggerTest, WritesTheLevelTheEventAboveInfoAndTheFormattedText) {
