@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
+#include <tavclient/Robot.h>
+
 #include "ExampleTarget.h"
-#include "Robot.h"
 
 namespace {
 

@@ -5,7 +5,8 @@
 #include <cstdio>
 #include <optional>
 
-#include "Robot.h"
+#include <tavclient/Robot.h>
+
 #include "server/SimulatorServer.h"
 
 namespace {
