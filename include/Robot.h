@@ -52,6 +52,9 @@ public:
   Robot();
   ~Robot() override;
 
+  // A short English text for any code a call returns; "unknown event N" for others.
+  static const char* EventText(int code);
+
   // Session.
   int RobotLogin(const char* ip, short port);
   int RobotLogout();
