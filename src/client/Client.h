@@ -40,6 +40,10 @@ public:
   int AddTasks(Tasks task);
   // Waits for the reply filed under `name` and takes it out of the store.
   int GetResult(std::string name, std::map<std::string, std::string>& result);
+  /// Bounds every later wait for a reply to `seconds` (3600 by default). A wait that runs
+  /// out returns 1003031 and leaves the session usable. A non-positive or non-finite value
+  /// returns 1006011 and keeps the previous bound.
+  int SetReplyTimeout(double seconds);
   void GetClientIP(std::string& ip);
   LocalSystemInfo GetLocalSystemInfo();
   int _loadLocalSystemInfo();
