@@ -3,7 +3,7 @@
 # or, given package names, whatever of those is missing (scripts/docs.sh asks for doxygen).
 set -euo pipefail
 
-packages=(cmake g++ make libgtest-dev libgmock-dev)
+packages=(cmake g++ make pkg-config libgtest-dev libgmock-dev)
 [ $# -gt 0 ] && packages=("$@")
 missing=()
 for p in "${packages[@]}"; do
