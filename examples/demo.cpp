@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
+#include <tavclient/Robot.h>
+
 #include "ExampleTarget.h"
-#include "Robot.h"
 
 namespace {
 
@@ -46,7 +47,10 @@ public:
     const auto start = Clock::now();
     const Outcome outcome = step();
     const double seconds = SecondsSince(start);
-    std::string result = outcome.code == 0 ? "ok" : "FAILED, code " + std::to_string(outcome.code);
+    std::string result = "ok";
+    if (outcome.code != 0) {
+      result = "FAILED, code " + std::to_string(outcome.code) + " (" + Robot::EventText(outcome.code) + ")";
+    }
     if (!outcome.detail.empty()) {
       result += ": " + outcome.detail;
     }

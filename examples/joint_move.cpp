@@ -3,8 +3,9 @@
 //   joint_move HOST PORT     against the controller at HOST:PORT
 #include <cstdio>
 
+#include <tavclient/Robot.h>
+
 #include "ExampleTarget.h"
-#include "Robot.h"
 
 int main(int argc, char** argv) {
   const ExampleTarget target(argc, argv);

@@ -4,8 +4,9 @@
 //   pick_and_place HOST PORT  against the controller at HOST:PORT
 #include <cstdio>
 
+#include <tavclient/Robot.h>
+
 #include "ExampleTarget.h"
-#include "Robot.h"
 
 namespace {
 

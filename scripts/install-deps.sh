@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
-# Installs, through apt, whatever a fresh Debian 12 machine lacks to build, test and benchmark the project.
+# Installs, through apt, whatever a fresh Debian 12 machine lacks to build, test and benchmark the
+# project, or, given package names, whatever of those is missing (scripts/docs.sh asks for doxygen).
 set -euo pipefail
 
-packages=(cmake g++ make libgtest-dev libgmock-dev libbenchmark-dev valgrind)
+packages=(cmake g++ make pkg-config libgtest-dev libgmock-dev libbenchmark-dev valgrind)
+[ $# -gt 0 ] && packages=("$@")
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

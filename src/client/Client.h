@@ -46,8 +46,9 @@ public:
   // Sends `task` and waits for its reply `name`: the store is told of the name before the
   // task can reach the controller, so neither a stale entry nor a lost race answers it.
   int Exchange(Tasks task, const std::string& name, std::map<std::string, std::string>& reply);
-  // Bounds every later wait for a reply; 1006011 for a value that is not positive and finite,
-  // the previous bound kept.
+  /// Bounds every later wait for a reply to `seconds` (3600 by default). A wait that runs
+  /// out returns 1003031 and leaves the session usable. A non-positive or non-finite value
+  /// returns 1006011 and keeps the previous bound.
   int SetReplyTimeout(double seconds);
   void GetClientIP(std::string& ip);
   LocalSystemInfo GetLocalSystemInfo();
