@@ -1,5 +1,7 @@
 #include "xml/TavXmlDocument.h"
 
+#include <utility>
+
 TavXmlDocument::TavXmlDocument() = default;
 
 int TavXmlDocument::parse(std::string& text) {
@@ -70,8 +72,10 @@ int TavXmlDocument::_getElementNameVector(std::string& text, std::vector<std::st
 
 namespace {
 
-// Characters of element text one parse may build per character of its input.
-constexpr std::size_t kTextPerInputChar = 64;
+// Characters of element text one parse may build per character of its input. Each level of a
+// tree holds at most its parent's text, so the controller's messages, four levels deep, build
+// under four; every character allowed beyond that is work a malformed text can make us do.
+constexpr std::size_t kTextPerInputChar = 8;
 
 }  // namespace
 
@@ -100,7 +104,7 @@ int TavXmlDocument::_recursionParse(TavXmlElement& element, std::size_t& budget)
     if (status != 0) {
       return status;
     }
-    element.setChildren(child);
+    element.setChildren(std::move(child));
   }
   return 0;
 }

@@ -16,12 +16,16 @@ public:
   explicit TavXmlElement(std::string name);
   TavXmlElement(const TavXmlElement& other);
   TavXmlElement& operator=(const TavXmlElement& other) = default;
+  // Moves let the parser hand built subtrees up and grow child lists without deep copies.
+  TavXmlElement(TavXmlElement&& other) noexcept = default;
+  TavXmlElement& operator=(TavXmlElement&& other) noexcept = default;
   ~TavXmlElement();
 
   void setName(std::string newName);
   void setText(std::string newText);
   void linkText(std::string appended);
   void setChildren(TavXmlElement& child);
+  void setChildren(TavXmlElement&& child);
 
   std::string getElement();
   std::string getName() const;
