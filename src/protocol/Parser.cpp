@@ -40,14 +40,12 @@ std::string envelope(TavXmlElement& head, TavXmlElement& body, CheckSum& sum) {
   return root.getElement();
 }
 
-// Each list of children is copied out of its parent once and kept while pointers into it are
-// used, since every getChildren call copies the whole subtree below it.
-Children topLevel(std::string& text) {
-  TavXmlDocument document;
-  if (document.parse(text) != 0) {
-    return {};
-  }
-  return document.getRoot().getChildren();
+// The decoders read the document's tree in place; every pointer and reference they take into it
+// lives no longer than the document. A text that does not parse has no elements.
+const Children kNoChildren;
+
+const Children& topLevel(TavXmlDocument& document, std::string& text) {
+  return document.parse(text) == 0 ? document.rootView().childrenView() : kNoChildren;
 }
 
 // Positions are checked against the children count before indexing, so a short message is
@@ -62,15 +60,14 @@ const TavXmlElement* childNamed(const Children& children, std::size_t index, con
 }
 
 // An absent parent has no children.
-Children childrenOf(const TavXmlElement* parent) {
-  return parent != nullptr ? parent->getChildren() : Children();
+const Children& childrenOf(const TavXmlElement* parent) {
+  return parent != nullptr ? parent->childrenView() : kNoChildren;
 }
 
 // The declared sum is read as strtol reads it (leading blanks and sign, stops at the first
 // non-digit, no digits is 0); only its low 32 bits are compared.
 bool checksumMatches(const TavXmlElement* tail, CheckSum& sum) {
-  const Children fields = childrenOf(tail);
-  const TavXmlElement* checksum = childNamed(fields, 0, "checksum");
+  const TavXmlElement* checksum = childNamed(childrenOf(tail), 0, "checksum");
   if (checksum == nullptr) {
     return false;
   }
@@ -142,8 +139,8 @@ int Parser::unwrap(Message& result, std::string& text) {
 }
 
 int Parser::unwrap_Heart(Message& result, std::string& text) {
-  const Children top = topLevel(text);
-  if (childNamed(top, 0, "Heart") == nullptr) {
+  TavXmlDocument document;
+  if (childNamed(topLevel(document, text), 0, "Heart") == nullptr) {
     return kDecodeFailed;
   }
   result["identifier"] = "heart";
@@ -151,14 +148,13 @@ int Parser::unwrap_Heart(Message& result, std::string& text) {
 }
 
 int Parser::unwrap_Error(Message& result, std::string& text) {
-  const Children top = topLevel(text);
-  const TavXmlElement* error = childNamed(top, 0, "Error");
+  TavXmlDocument document;
+  const TavXmlElement* error = childNamed(topLevel(document, text), 0, "Error");
   if (error == nullptr) {
     return kDecodeFailed;
   }
   result["identifier"] = "Error";
-  const Children fields = error->getChildren();
-  const TavXmlElement* code = childNamed(fields, 0, "errorcode");
+  const TavXmlElement* code = childNamed(error->childrenView(), 0, "errorcode");
   if (code == nullptr) {
     return kDecodeFailed;
   }
@@ -167,10 +163,10 @@ int Parser::unwrap_Error(Message& result, std::string& text) {
 }
 
 int Parser::unwrap_ConnResult(Message& result, std::string& text) {
-  const Children top = topLevel(text);
+  TavXmlDocument document;
+  const Children& top = topLevel(document, text);
   // The identifier element's own name is not checked, only its text.
-  const Children head = childrenOf(childNamed(top, 0, "head"));
-  const TavXmlElement* identifier = childAt(head, 0);
+  const TavXmlElement* identifier = childAt(childrenOf(childNamed(top, 0, "head")), 0);
   if (identifier == nullptr) {
     return kDecodeFailed;
   }
@@ -178,8 +174,7 @@ int Parser::unwrap_ConnResult(Message& result, std::string& text) {
   if (identifier->getText() != "ConnResult") {
     return kDecodeFailed;
   }
-  const Children body = childrenOf(childNamed(top, 1, "ConnResult"));
-  const TavXmlElement* value = childNamed(body, 0, "result");
+  const TavXmlElement* value = childNamed(childrenOf(childNamed(top, 1, "ConnResult")), 0, "result");
   if (value == nullptr) {
     return kDecodeFailed;
   }
@@ -190,8 +185,9 @@ int Parser::unwrap_ConnResult(Message& result, std::string& text) {
 }
 
 int Parser::unwrap_Msg(Message& result, std::string& text) {
-  const Children top = topLevel(text);
-  const Children head = childrenOf(childNamed(top, 0, "head"));
+  TavXmlDocument document;
+  const Children& top = topLevel(document, text);
+  const Children& head = childrenOf(childNamed(top, 0, "head"));
   const TavXmlElement* state = childNamed(head, 1, "state");
   if (childNamed(head, 0, "timestamp") == nullptr || state == nullptr) {
     return kDecodeFailed;
@@ -202,11 +198,11 @@ int Parser::unwrap_Msg(Message& result, std::string& text) {
     return kDecodeFailed;
   }
   CheckSum sum;
-  for (const TavXmlElement& value : values->getChildren()) {
+  for (const TavXmlElement& value : values->childrenView()) {
     result[value.getName()] = value.getText();
     sum.AddElement(value.getText());
   }
-  const Children matching = childrenOf(childNamed(top, 2, "taskmatching"));
+  const Children& matching = childrenOf(childNamed(top, 2, "taskmatching"));
   const TavXmlElement* stamp = childNamed(matching, 0, "timestamp");
   const TavXmlElement* function = childNamed(matching, 1, "name");
   if (stamp == nullptr || function == nullptr) {

@@ -74,6 +74,10 @@ std::vector<TavXmlElement> TavXmlElement::getChildren() const {
   return children;
 }
 
+const std::vector<TavXmlElement>& TavXmlElement::childrenView() const {
+  return children;
+}
+
 void TavXmlElement::_updateXMLParam() {
   nameLength = name.length();
   openPos = element.find('<');

@@ -31,6 +31,8 @@ public:
   std::string getName() const;
   std::string getText() const;
   std::vector<TavXmlElement> getChildren() const;
+  // The same children without a copy, for readers that only look.
+  const std::vector<TavXmlElement>& childrenView() const;
 
   void _updateXMLParam();
 
