@@ -14,7 +14,7 @@ namespace {
 
 void checkSubtree(const TavXmlElement& element) {
   const std::string text = element.getText();
-  for (const TavXmlElement& child : element.getChildren()) {
+  for (const TavXmlElement& child : element.childrenView()) {
     FUZZ_CHECK(text.find(child.getText()) != std::string::npos);
     checkSubtree(child);
   }
@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FUZZ_CHECK(text == original);
   FUZZ_CHECK(status == 0 || status == TavXmlDocument::kTreeTooLarge);
   if (status == 0) {
-    const TavXmlElement root = document.getRoot();
+    const TavXmlElement& root = document.rootView();
     FUZZ_CHECK(root.getName() == "root");
     FUZZ_CHECK(text.find(root.getText()) != std::string::npos);
     checkSubtree(root);
