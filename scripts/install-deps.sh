@@ -2,7 +2,8 @@
 # Installs, through apt, whatever a fresh Debian 12 machine lacks to build and test the project.
 set -euo pipefail
 
-packages=(cmake g++ make libgtest-dev libgmock-dev)
+# clang-14 and its runtimes (libFuzzer among them) build the fuzzing harnesses.
+packages=(cmake g++ make libgtest-dev libgmock-dev clang-14 libclang-rt-14-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

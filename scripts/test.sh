@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the library with its tests and runs them: first the plain
-# build, then the same suite under ThreadSanitizer and under AddressSanitizer with
-# UndefinedBehaviorSanitizer. `--quick` runs the plain build only.
+# build, then each fuzzing harness for a short slot, then the same suite under ThreadSanitizer
+# and under AddressSanitizer with UndefinedBehaviorSanitizer. `--quick` runs the plain build only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
@@ -18,6 +18,7 @@ run_suite() {  # build directory, then extra cmake arguments
 
 run_suite build
 if [ "${1:-}" != "--quick" ]; then
+  scripts/fuzz.sh all 30
   run_suite build-tsan -DTAVCLIENT_SANITIZER=thread
   run_suite build-asan -DTAVCLIENT_SANITIZER=address
 fi
