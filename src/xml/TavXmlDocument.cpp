@@ -1,5 +1,6 @@
 #include "xml/TavXmlDocument.h"
 
+#include <stdexcept>
 #include <utility>
 
 TavXmlDocument::TavXmlDocument() = default;
@@ -47,34 +48,50 @@ TavXmlElement TavXmlDocument::_getElement(std::string& text, std::string name) {
 
 // Name lengths are counted from the start of the remaining text, not from the "<", so the
 // names come out right only for siblings written back to back from position 0 ("<a />" with
-// its one blank, or "<a>...</a>"). Each step cuts the remaining text behind the tag it read, in
-// place; a cut past the end throws std::out_of_range as a substring would.
+// its one blank, or "<a>...</a>"). Each step cuts the remaining text behind the tag it read;
+// a cut past the end throws std::out_of_range as a substring would.
+//
+// The remaining text is text[from, end): positions are taken relative to it, as the steps
+// read them, but searched in place. The first "/>" ahead and the last "<" before it stay put
+// until a cut passes them, so each is searched for once rather than on every step.
 int TavXmlDocument::_getElementNameVector(std::string& text, std::vector<std::string>& names) {
+  constexpr std::size_t npos = std::string::npos;
   names.clear();
-  // A leaf's text, the common case, has no tag to read: spare the copy.
-  if (text.find('<') == std::string::npos) {
+  if (text.find('<') == npos) {
     return 1;
   }
-  std::string rest = text;
-  for (;;) {
-    const std::size_t tagStart = rest.find('<');
-    const std::size_t selfCloseAt = rest.find("/>");
-    const std::size_t lastStartBefore = rest.rfind('<', selfCloseAt);
-    if (lastStartBefore != std::string::npos && lastStartBefore == tagStart &&
-        tagStart != std::string::npos) {
-      const std::string name = rest.substr(tagStart + 1, selfCloseAt - 2);
-      names.push_back(name);
-      const std::string tag = "<" + name + " " + "/>";
-      rest.assign(rest, rest.find(tag) + tag.length());
+  std::size_t from = 0;
+  const auto relative = [&from](std::size_t position) { return position == npos ? npos : position - from; };
+  const auto cut = [&](std::size_t count) {
+    if (count > text.size() - from) {
+      throw std::out_of_range("basic_string::assign");
     }
-    const std::size_t tagEnd = rest.find('>');
-    if (tagEnd == std::string::npos || tagStart == std::string::npos) {
+    from += count;
+  };
+  std::size_t selfClose = text.find("/>");
+  std::size_t lastStart = text.rfind('<', selfClose);
+  for (;;) {
+    const std::size_t tagStart = relative(text.find('<', from));
+    if (selfClose != npos && selfClose < from) {
+      selfClose = text.find("/>", from);
+      lastStart = text.rfind('<', selfClose);
+    }
+    const std::size_t selfCloseAt = relative(selfClose);
+    const std::size_t lastStartBefore = lastStart == npos || lastStart < from ? npos : lastStart - from;
+    if (lastStartBefore != npos && lastStartBefore == tagStart && tagStart != npos) {
+      std::string name = text.substr(from + tagStart + 1, selfCloseAt - 2);
+      const std::string tag = "<" + name + " " + "/>";
+      names.push_back(std::move(name));
+      cut(relative(text.find(tag, from)) + tag.length());
+    }
+    const std::size_t tagEnd = relative(text.find('>', from));
+    if (tagEnd == npos || tagStart == npos) {
       break;
     }
-    const std::string name = rest.substr(tagStart + 1, tagEnd - 1);
-    names.push_back(name);
+    std::string name = text.substr(from + tagStart + 1, tagEnd - 1);
     const std::string closeTag = "</" + name + ">";
-    rest.assign(rest, rest.find(closeTag) + closeTag.length());
+    names.push_back(std::move(name));
+    cut(relative(text.find(closeTag, from)) + closeTag.length());
   }
   return names.empty() ? 1 : 0;
 }
