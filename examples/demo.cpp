@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
+#include <tavclient/Robot.h>
+
 #include "ExampleTarget.h"
-#include "Robot.h"
 
 namespace {
 
@@ -46,7 +47,10 @@ public:
     const auto start = Clock::now();
     const Outcome outcome = step();
     const double seconds = SecondsSince(start);
-    std::string result = outcome.code == 0 ? "ok" : "FAILED, code " + std::to_string(outcome.code);
+    std::string result = "ok";
+    if (outcome.code != 0) {
+      result = "FAILED, code " + std::to_string(outcome.code) + " (" + Robot::EventText(outcome.code) + ")";
+    }
     if (!outcome.detail.empty()) {
       result += ": " + outcome.detail;
     }
@@ -105,7 +109,6 @@ public:
                            tour_.Run("linear path up, across, down", [this] { return LinearPath(); }) &&
                            tour_.Run("set output 1, read input 1", [this] { return OutputAndInput(); }) &&
                            tour_.Run("gripper: close, then open", [this] { return Gripper(); });
-    // Always log out: a Robot still logged in would block its own destruction.
     const bool loggedOut = tour_.Run("log out", [this] { return Outcome{robot_.RobotLogout(), ""}; });
     std::printf("tour %s in %.1f s\n", completed && loggedOut ? "finished" : "stopped", tour_.Seconds());
     return completed && loggedOut;

@@ -3,8 +3,9 @@
 //   joint_move HOST PORT     against the controller at HOST:PORT
 #include <cstdio>
 
+#include <tavclient/Robot.h>
+
 #include "ExampleTarget.h"
-#include "Robot.h"
 
 int main(int argc, char** argv) {
   const ExampleTarget target(argc, argv);
@@ -34,6 +35,6 @@ int main(int argc, char** argv) {
   } else {
     std::printf("failed with code %d\n", code);
   }
-  robot.RobotLogout();  // always, before the Robot is destroyed
+  robot.RobotLogout();
   return code == 0 ? 0 : 1;
 }

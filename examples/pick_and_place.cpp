@@ -4,8 +4,9 @@
 //   pick_and_place HOST PORT  against the controller at HOST:PORT
 #include <cstdio>
 
+#include <tavclient/Robot.h>
+
 #include "ExampleTarget.h"
-#include "Robot.h"
 
 namespace {
 
@@ -63,6 +64,6 @@ int main(int argc, char** argv) {
   } else {
     std::printf("failed with code %d\n", code);
   }
-  robot.RobotLogout();  // always, before the Robot is destroyed
+  robot.RobotLogout();
   return code == 0 ? 0 : 1;
 }

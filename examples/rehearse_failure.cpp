@@ -5,7 +5,8 @@
 #include <cstdio>
 #include <optional>
 
-#include "Robot.h"
+#include <tavclient/Robot.h>
+
 #include "server/SimulatorServer.h"
 
 namespace {
@@ -28,7 +29,8 @@ void Attempt(tavsim::SimulatorServer& simulator, const char* what, std::optional
     code = robot.get_angles(1, angle);
   }
   const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
-  std::printf("%-44s -> code %d after %lld ms\n", what, code, static_cast<long long>(took.count()));
+  std::printf("%-44s -> code %d (%s) after %lld ms\n", what, code, Robot::EventText(code),
+              static_cast<long long>(took.count()));
   robot.RobotLogout();
 }
 

@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
-# Installs, through apt, whatever a fresh Debian 12 machine lacks to build and test the project.
+# Installs, through apt, whatever a fresh Debian 12 machine lacks to build, test and benchmark the
+# project, or, given package names, whatever of those is missing (scripts/docs.sh asks for doxygen).
 set -euo pipefail
 
 # clang-14 and its runtimes (libFuzzer among them) build the fuzzing harnesses.
-packages=(cmake g++ make libgtest-dev libgmock-dev clang-14 libclang-rt-14-dev)
+packages=(cmake g++ make pkg-config libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
+          libclang-rt-14-dev)
+[ $# -gt 0 ] && packages=("$@")
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

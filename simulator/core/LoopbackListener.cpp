@@ -80,4 +80,16 @@ std::optional<Connection> LoopbackListener::Accept(std::chrono::milliseconds tim
 
 RefusingPort::RefusingPort() : socket_(BindLoopback()), port_(BoundPort(socket_)) {}
 
+UniqueFd ConnectLoopback(std::uint16_t port) {
+  UniqueFd socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  if (socket.Valid() && ::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    socket.Reset();
+  }
+  return socket;
+}
+
 }  // namespace tavsim

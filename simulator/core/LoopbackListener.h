@@ -42,6 +42,10 @@ private:
   std::uint16_t port_;
 };
 
+// A plain TCP socket connected to 127.0.0.1:port, the client's end. Invalid when the
+// connection failed.
+UniqueFd ConnectLoopback(std::uint16_t port);
+
 }  // namespace tavsim
 
 #endif

@@ -20,7 +20,7 @@ Outbox::Progress Outbox::Flush(int fd, SteadyTime now) {
   while (!queue_.empty()) {
     OutboxEntry& entry = queue_.front();
     if (!started_) {
-      if (now < std::max(entry.due, notBefore_)) {
+      if (now < entry.due) {
         return Progress::Waiting;
       }
       started_ = true;
@@ -47,7 +47,7 @@ Outbox::Progress Outbox::Flush(int fd, SteadyTime now) {
   return Progress::Waiting;
 }
 
-// Waiting here means the piece is out and the next may follow once paced.
+// Waiting here means the piece is out and the next may follow after the entry's gap.
 Outbox::Progress Outbox::WritePiece(int fd, SteadyTime now) {
   const OutboxEntry& entry = queue_.front();
   const std::string& piece = entry.pieces[piece_];
@@ -67,8 +67,7 @@ Outbox::Progress Outbox::WritePiece(int fd, SteadyTime now) {
   }
   ++piece_;
   offset_ = 0;
-  const bool last = piece_ == entry.pieces.size();
-  notBefore_ = now + (last ? writeGap_ : std::max(entry.pieceGap, writeGap_));
+  notBefore_ = now + entry.pieceGap;
   return Progress::Waiting;
 }
 
@@ -79,7 +78,7 @@ std::optional<SteadyTime> Outbox::NextDue() const {
   if (started_) {
     return notBefore_;
   }
-  return std::max(queue_.front().due, notBefore_);
+  return queue_.front().due;
 }
 
 }  // namespace tavsim

@@ -22,12 +22,9 @@ struct OutboxEntry {
   bool closeAfter = false;
 };
 
-// The writes waiting on one connection, sent in order of their due time without blocking.
-//
-// The client cuts at most one message out of each read, so two messages that reach it in one
-// read leave the second waiting for the next one. Consecutive entries are therefore paced
-// `writeGap` apart, giving the client time to take each message by itself. An entry that has
-// started is finished before any other, so a split message is never interleaved.
+// The writes waiting on one connection, sent in order of their due time without blocking and
+// as soon as they are due. An entry that has started is finished before any other, so a split
+// message is never interleaved.
 class Outbox {
 public:
   enum class Progress {
@@ -36,8 +33,6 @@ public:
     CloseNow,  // a closing entry was reached
     Broken     // a write failed: the connection is gone
   };
-
-  explicit Outbox(std::chrono::milliseconds writeGap) : writeGap_(writeGap) {}
 
   void Schedule(OutboxEntry entry);
   // Writes what is due at `now` on the non-blocking socket `fd`.
@@ -51,12 +46,11 @@ private:
   // Sends the rest of the current piece; false when the socket is full or broken.
   Progress WritePiece(int fd, SteadyTime now);
 
-  std::chrono::milliseconds writeGap_;
   std::deque<OutboxEntry> queue_;  // by due time; the front may be in progress
   bool started_ = false;           // the front entry has begun
   std::size_t piece_ = 0;          // next piece of the front entry
   std::size_t offset_ = 0;         // bytes of that piece already written
-  SteadyTime notBefore_{};         // pacing: the next write may not start earlier
+  SteadyTime notBefore_{};         // the next piece of a split entry may not start earlier
   bool blocked_ = false;
 };
 

@@ -42,7 +42,6 @@ ServerLoop::ServerLoop(const ServerOptions& options, SimulatedController& contro
       handler_(controller, options.log),
       faults_(faults),
       log_(options.log),
-      writeGap_(options.writeGap),
       maxMessageBytes_(options.maxMessageBytes) {}
 
 void ServerLoop::Stop() {
@@ -119,7 +118,7 @@ void ServerLoop::Accept() {
   while (std::optional<Connection> connection = listener_.Accept(std::chrono::milliseconds(0))) {
     const ConnectionId id = nextId_++;
     Log(id, "connected from " + PeerName(connection->NativeHandle()));
-    sessions_.emplace(id, Session{std::move(*connection), Outbox(writeGap_)});
+    sessions_.emplace(id, Session{std::move(*connection), Outbox()});
     connectionCount_ = sessions_.size();
   }
 }

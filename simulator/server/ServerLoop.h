@@ -61,7 +61,6 @@ private:
   RequestHandler handler_;
   FaultInjector& faults_;
   LogSink log_;
-  std::chrono::milliseconds writeGap_;
   std::size_t maxMessageBytes_;
   Sessions sessions_;
   ConnectionId nextId_ = 1;

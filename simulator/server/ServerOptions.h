@@ -25,8 +25,6 @@ struct ServerOptions {
   std::shared_ptr<const Clock> clock = std::make_shared<SteadyClock>();
   // A client that sends this much without ending a message gets an Error and is cut off.
   std::size_t maxMessageBytes = 64 * 1024;
-  // Least time between two messages written to one client (see Outbox).
-  std::chrono::milliseconds writeGap{5};
   // One line per connection event and per command; nothing when empty.
   LogSink log;
 };

@@ -5,66 +5,86 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cmath>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <ctime>
 #include <utility>
 
 #include "common/TavLogger.h"
 #include "common/TavResource.h"
 
-std::atomic<Client*> Client::pKestClientCallback{nullptr};
+namespace {
+
+constexpr double kLongestReplyTimeoutSeconds = 1e9;  // far beyond any wait, and no clock overflow
+
+// "call back N" on standard output. A reader of that pipe that has gone must not take the
+// process down: SIGPIPE is held back on this thread while writing, and one it raised is consumed.
+void PrintEventLine(Robot_Event event) {
+  sigset_t pipeSignal;
+  sigset_t previous;
+  sigemptyset(&pipeSignal);
+  sigaddset(&pipeSignal, SIGPIPE);
+  pthread_sigmask(SIG_BLOCK, &pipeSignal, &previous);
+  std::printf("call back %d\n", event);
+  std::fflush(stdout);
+  const timespec noWait{};
+  while (sigtimedwait(&pipeSignal, nullptr, &noWait) == SIGPIPE) {
+  }
+  pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+}
+
+}  // namespace
 
 Client::Client() {
-  pKestClientCallback = this;
-  sender.RobotEventRegister(&Client::_eventCallback);
+  sender.RobotEventRegister(&Client::_eventCallback, this);
   sender.Start();
-  receiver.RobotEventRegister(&Client::_eventCallback);
+  receiver.RobotEventRegister(&Client::_eventCallback, this);
   receiver.Start();
-  heart.HeartEventRegister(&Client::_heartCallback);
+  heart.HeartEventRegister(&Client::_heartCallback, this);
   heart.Start();
-  try {
-    // The resource status is not kept: a session starts healthy whatever the directories did.
-    TavResource::GetInstance().Load();
-  } catch (...) {
-    // The workers are joined by their own destructors; only the static pointer must not be
-    // left on an object that never came to be.
-    Client* self = this;
-    pKestClientCallback.compare_exchange_strong(self, nullptr);
-    throw;
-  }
+  // The resource status is not kept: a session starts healthy whatever the directories did.
+  TavResource::GetInstance().Load();
   TavLogger::GetInstance().StartLogging();
   status = RobotEvents::kSuccess;
   _loadLocalSystemInfo();
-  connected = false;
 }
 
+// The connection is closed first: that releases the waits the workers may be in, so they can
+// be joined.
 Client::~Client() {
-  connected = false;
+  FinalizeSocket();
   heart.Stop();
   sender.Stop();
   receiver.Stop();
-  Client* self = this;
-  pKestClientCallback.compare_exchange_strong(self, nullptr);
 }
 
 int Client::InitializeSocket(const char* ip, short port) {
   if (status != RobotEvents::kSuccess) {
     return status;
   }
-  socketFd = ::socket(AF_INET, SOCK_STREAM, 0);
-  if (socketFd < 0) {
+  if (connected) {
+    FinalizeSocket();
+  }
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  if (::inet_pton(AF_INET, ip, &address.sin_addr) < 1) {
     return RobotEvents::kSocketSetupFailed;
   }
-  serverAddress = sockaddr_in{};
-  serverAddress.sin_family = AF_INET;
-  serverAddress.sin_port = htons(static_cast<std::uint16_t>(port));
-  if (::inet_pton(AF_INET, ip, &serverAddress.sin_addr) < 1) {
+  const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (fd < 0) {
     return RobotEvents::kSocketSetupFailed;
   }
-  if (::connect(socketFd, reinterpret_cast<const sockaddr*>(&serverAddress), sizeof serverAddress) != 0) {
+  if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    ::close(fd);
     _setStatus(RobotEvents::kConnectFailed);
     return RobotEvents::kConnectFailed;
   }
+  std::lock_guard<std::mutex> lock(connectionMutex);
+  serverAddress = address;
+  socketFd = fd;
   sender.Load(socketFd);
   receiver.Load(socketFd);
   heart.Enable();
@@ -73,42 +93,87 @@ int Client::InitializeSocket(const char* ip, short port) {
 }
 
 int Client::FinalizeSocket() {
-  if (connected) {
-    heart.Disable();
-    sender.Unload();
-    receiver.Unload();
-    receiver.WakeWaiters();  // a heartbeat still waiting for its reply gives up
-    connected = false;
+  std::lock_guard<std::mutex> lock(connectionMutex);
+  if (socketFd < 0) {
+    return RobotEvents::kSuccess;
   }
-  // The shutdown ends a receive in progress; the workers must be off the descriptor before it
-  // is closed and its number can be handed out again.
+  heart.Disable();
+  sender.Unload();
+  sender.ClearQueue();
+  receiver.Unload();
+  connected = false;
+  ++closings;
+  receiver.WakeWaiters();
+  // The shutdown ends a socket call in progress; the workers must be off the descriptor before
+  // it is closed and its number can be handed out again.
   ::shutdown(socketFd, SHUT_RDWR);
   sender.WaitSocketReleased();
   receiver.WaitSocketReleased();
   ::close(socketFd);
+  socketFd = -1;
   return RobotEvents::kSuccess;
 }
 
-int Client::AddTasks(Tasks task) {
+int Client::_refusal() const {
   if (status != RobotEvents::kSuccess) {
     return status;
+  }
+  return connected ? RobotEvents::kSuccess : RobotEvents::kSendFailed;
+}
+
+int Client::AddTasks(Tasks task) {
+  std::lock_guard<std::mutex> lock(connectionMutex);
+  if (const int code = _refusal()) {
+    return code;
   }
   sender.AddTask(std::move(task));
   return RobotEvents::kSuccess;
 }
 
 int Client::GetResult(std::string name, std::map<std::string, std::string>& result) {
-  return _waitReply(name, result, [this] { return status != RobotEvents::kSuccess; });
-}
-
-int Client::_waitReply(const std::string& name, std::map<std::string, std::string>& result,
-                       const std::function<bool()>& abandon) {
-  const auto deadline = Receiver::Clock::now() + std::chrono::seconds(kReplyTimeoutSeconds);
   if (status != RobotEvents::kSuccess) {
     return status;
   }
-  const int found = receiver.WaitRecv(name, result, abandon, deadline);
-  return found == RobotEvents::kNoReplyYet ? status.load() : found;
+  return _waitReply(closings, name, result, [this] { return !connected; });
+}
+
+int Client::Exchange(Tasks task, const std::string& name, std::map<std::string, std::string>& reply) {
+  return _exchange(std::move(task), name, reply, [] { return false; });
+}
+
+int Client::_exchange(Tasks task, const std::string& name, Reply& reply, const std::function<bool()>& giveUp) {
+  std::uint64_t closing = 0;
+  {
+    std::lock_guard<std::mutex> lock(connectionMutex);
+    if (const int code = _refusal()) {
+      return code;
+    }
+    closing = closings;
+    receiver.Expect(name);
+    sender.AddTask(std::move(task));
+  }
+  return _waitReply(closing, name, reply, giveUp);
+}
+
+int Client::_waitReply(std::uint64_t closing, const std::string& name, Reply& result,
+                       const std::function<bool()>& giveUp) {
+  const auto timeout = std::chrono::duration<double>(replyTimeoutSeconds.load());
+  const auto deadline = Receiver::Clock::now() + std::chrono::duration_cast<Receiver::Clock::duration>(timeout);
+  const int found = receiver.WaitRecv(
+      name, result,
+      [&] { return status != RobotEvents::kSuccess || closings != closing || giveUp(); }, deadline);
+  if (found != RobotEvents::kNoReplyYet) {
+    return found;
+  }
+  return status != RobotEvents::kSuccess ? status.load() : RobotEvents::kReceiveFailed;
+}
+
+int Client::SetReplyTimeout(double seconds) {
+  if (!std::isfinite(seconds) || seconds <= 0) {
+    return RobotEvents::kInvalidArgument;
+  }
+  replyTimeoutSeconds = std::fmin(seconds, kLongestReplyTimeoutSeconds);
+  return RobotEvents::kSuccess;
 }
 
 void Client::GetClientIP(std::string& ip) {
@@ -131,28 +196,25 @@ void Client::_setStatus(Robot_Event event) {
   receiver.WakeWaiters();
 }
 
-// Printed before the status is set, so whoever sees the status also finds the line.
-void Client::_eventCallback(Robot_Event event) {
-  Client* client = pKestClientCallback;
-  std::printf("call back %d\n", event);
-  std::fflush(stdout);
-  if (client != nullptr) {
-    client->_setStatus(event);
-  }
-}
-
-void Client::_heartCallback() {
-  Client* client = pKestClientCallback;
-  if (client == nullptr) {
+// The first event fails the session for good; a later one follows from it (a reset meets the
+// Receiver in its read and the Sender in its send) and is left to its worker's log line, so the
+// code that calls have returned stays the session's. Printed before the status is set, so
+// whoever sees the status also finds the line.
+void Client::_eventCallback(Robot_Event event, void* client) {
+  Client* session = static_cast<Client*>(client);
+  if (session->eventReported.exchange(true)) {
     return;
   }
+  PrintEventLine(event);
+  session->_setStatus(event);
+}
+
+// The wait also ends with the heart disabled: after a logout no reply can come, and the heart
+// thread must be free to stop.
+void Client::_heartCallback(void* context) {
+  Client* client = static_cast<Client*>(context);
   Tasks heartbeat;
   heartbeat.type = Tasks::kHeartbeat;
-  client->AddTasks(heartbeat);
-  // The wait also ends with the heart disabled: after a logout no reply can come, and the
-  // heart thread must be free to stop.
-  std::map<std::string, std::string> reply;
-  client->_waitReply("heart", reply, [client] {
-    return client->status != RobotEvents::kSuccess || !client->heart.IsEnabled();
-  });
+  Reply reply;
+  client->_exchange(heartbeat, "heart", reply, [client] { return !client->heart.IsEnabled(); });
 }

@@ -4,8 +4,10 @@
 #include <netinet/in.h>
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <string>
 
 #include "Heart.h"
@@ -16,51 +18,70 @@
 #include "../common/RobotEvent.h"
 
 // The session with the controller: owns the socket and the Sender, Receiver and Heart threads,
-// queues outbound messages and waits for named replies. One status code is sticky: once a
-// worker has reported an event (or a connect failed) every operation returns it, and the
-// session stays failed until a new Client is made.
+// queues outbound messages and waits for named replies. Each Client is a session of its own:
+// its workers report to it alone, so several live side by side in one process.
 //
-// The workers reach the session through the static pKestClientCallback, which every
-// constructor points at itself: one live Client per process is supported.
-//
-// FinalizeSocket must come before destruction: destroying a connected Client blocks, because
-// the heart does not stop while it is enabled.
+// One status code is sticky: once a worker has reported an event (or a connect failed) every
+// operation returns it, and the session stays failed until a new Client is made. Only the
+// first event is reported: a later one follows from the failure already reported. Closing the
+// connection (FinalizeSocket from any thread, the peer, a failed read) releases every waiting
+// call at once. Destroying a connected Client closes its connection first.
 class Client {
 public:
-  static constexpr int kReplyTimeoutSeconds = 3600;
+  static constexpr double kDefaultReplyTimeoutSeconds = 3600.0;
 
   Client();
   virtual ~Client();
   Client(const Client&) = delete;
   Client& operator=(const Client&) = delete;
 
+  // Connects; a Client already connected closes its old connection first.
   int InitializeSocket(const char* ip, short port);
+  // Closes the connection; releases every waiting call. Nothing to do when not connected.
   int FinalizeSocket();
-  // Queues a copy of `task`; returns before anything is sent.
+  // Queues a copy of `task`; returns before anything is sent. 1001011 when not connected.
   int AddTasks(Tasks task);
   // Waits for the reply filed under `name` and takes it out of the store.
   int GetResult(std::string name, std::map<std::string, std::string>& result);
+  // Sends `task` and waits for its reply `name`: the store is told of the name before the
+  // task can reach the controller, so neither a stale entry nor a lost race answers it.
+  int Exchange(Tasks task, const std::string& name, std::map<std::string, std::string>& reply);
+  /// Bounds every later wait for a reply to `seconds` (3600 by default). A wait that runs
+  /// out returns 1003031 and leaves the session usable. A non-positive or non-finite value
+  /// returns 1006011 and keeps the previous bound.
+  int SetReplyTimeout(double seconds);
   void GetClientIP(std::string& ip);
   LocalSystemInfo GetLocalSystemInfo();
   int _loadLocalSystemInfo();
 
-  static void _eventCallback(Robot_Event event);
-  static void _heartCallback();
-
-  static std::atomic<Client*> pKestClientCallback;
+  // The workers' callbacks; `client` is the Client that registered them.
+  static void _eventCallback(Robot_Event event, void* client);
+  static void _heartCallback(void* client);
 
 private:
-  void _setStatus(Robot_Event event);
-  // Waits for the reply `name` until it is filed, `abandon` holds (the status code is then
-  // returned) or the time-out passes.
-  int _waitReply(const std::string& name, std::map<std::string, std::string>& result,
-                 const std::function<bool()>& abandon);
+  using Reply = std::map<std::string, std::string>;
 
+  void _setStatus(Robot_Event event);
+  // Waits for the reply `name` until it is filed, the connection of this call closes (the
+  // sticky status, else 1002011), `giveUp` holds (the same) or the reply time-out passes.
+  int _waitReply(std::uint64_t closing, const std::string& name, Reply& result,
+                 const std::function<bool()>& giveUp);
+  int _exchange(Tasks task, const std::string& name, Reply& reply, const std::function<bool()>& giveUp);
+  // The code for a call on this session now: the sticky status, else 1001011 when not connected.
+  int _refusal() const;
+
+  // Serialises connecting, closing and queueing, so no task is queued into a closed connection.
+  std::mutex connectionMutex;
   sockaddr_in serverAddress{};
   int socketFd = -1;
   std::atomic<int> status{RobotEvents::kSuccess};
+  // Set by the first event the workers report; the session reports no other.
+  std::atomic<bool> eventReported{false};
   LocalSystemInfo localSystemInfo;
-  bool connected = false;
+  std::atomic<bool> connected{false};
+  // Counts closed connections, so a waiter can tell that the one it waits on has gone.
+  std::atomic<std::uint64_t> closings{0};
+  std::atomic<double> replyTimeoutSeconds{kDefaultReplyTimeoutSeconds};
   Receiver receiver;
   Sender sender;
   Heart heart;

@@ -15,6 +15,13 @@ Heart::~Heart() {
 
 void Heart::HeartEventRegister(void (*callback)()) {
   heartCallback = callback;
+  contextHeartCallback = nullptr;
+}
+
+void Heart::HeartEventRegister(void (*callback)(void*), void* context) {
+  contextHeartCallback = callback;
+  heartContext = context;
+  heartCallback = nullptr;
 }
 
 void Heart::Enable() {
@@ -40,7 +47,9 @@ void Heart::Stop() {
 }
 
 void Heart::_eventCall() {
-  if (heartCallback != nullptr) {
+  if (contextHeartCallback != nullptr) {
+    contextHeartCallback(heartContext);
+  } else if (heartCallback != nullptr) {
     heartCallback();
   }
 }

@@ -19,7 +19,9 @@ public:
   explicit Heart(std::chrono::milliseconds period = kPeriod);
   ~Heart() override;
 
+  // Register before Start; the second form passes `context` to every call.
   void HeartEventRegister(void (*callback)());
+  void HeartEventRegister(void (*callback)(void*), void* context);
   void Enable();
   void Disable();
   bool IsEnabled() const;
@@ -35,6 +37,8 @@ private:
   // the period. Guarded by flagMutex.
   std::uint64_t enableCount = 0;
   void (*heartCallback)() = nullptr;
+  void (*contextHeartCallback)(void*) = nullptr;
+  void* heartContext = nullptr;
 };
 
 #endif

@@ -5,14 +5,10 @@
 
 #include <cerrno>
 #include <exception>
+#include <utility>
 
 #include "common/TavLogger.h"
 #include "common/TavUtils.h"
-
-namespace {
-const std::string kOpenTag = "<root>";
-const std::string kCloseTag = "</root>";
-}  // namespace
 
 Receiver::Receiver() : SocketWorker("Receiver thread setup succeed.", "Receiver thread shutdown succeed.") {}
 
@@ -27,23 +23,7 @@ void Receiver::Stop() {
 }
 
 int Receiver::_GenerateMsg(std::string& message) {
-  if (streamBuffer.empty()) {
-    return RobotEvents::kNoCompleteMessage;
-  }
-  const std::size_t open = streamBuffer.find(kOpenTag);
-  if (open == std::string::npos) {
-    streamBuffer.clear();
-    return RobotEvents::kNoCompleteMessage;
-  }
-  streamBuffer.erase(0, open);
-  const std::size_t close = streamBuffer.find(kCloseTag);
-  if (close == std::string::npos) {
-    return RobotEvents::kNoCompleteMessage;
-  }
-  const std::size_t end = close + kCloseTag.size();
-  message = streamBuffer.substr(0, end);
-  streamBuffer.erase(0, end);
-  return RobotEvents::kSuccess;
+  return framer.Next(message);
 }
 
 int Receiver::GetRecv(std::string name, Message& result) {
@@ -51,19 +31,40 @@ int Receiver::GetRecv(std::string name, Message& result) {
   return _takeLocked(name, result);
 }
 
+void Receiver::Expect(const std::string& name) {
+  std::lock_guard<std::mutex> lock(storeMutex);
+  store.erase(name);
+  abandoned.erase(name);
+}
+
 int Receiver::WaitRecv(const std::string& name, Message& result, const std::function<bool()>& abandon,
                        Clock::time_point deadline) {
   std::unique_lock<std::mutex> lock(storeMutex);
-  replyFiled.wait_until(lock, deadline, [&] { return store.count(name) != 0 || abandon(); });
+  const Waiter filed = std::make_shared<std::condition_variable>();
+  const auto registration = waiters.emplace(name, filed);
+  filed->wait_until(lock, deadline, [&] { return store.count(name) != 0 || abandon(); });
+  waiters.erase(registration);
   if (_takeLocked(name, result) == RobotEvents::kSuccess) {
     return RobotEvents::kSuccess;
   }
+  _addBounded(abandoned, name, {}, ++filings, kMaxUnclaimedReplies);
   return abandon() ? RobotEvents::kNoReplyYet : RobotEvents::kReplyTimeout;
 }
 
 void Receiver::WakeWaiters() {
   std::lock_guard<std::mutex> lock(storeMutex);
-  replyFiled.notify_all();
+  for (const auto& [name, waiter] : waiters) {
+    waiter->notify_all();
+  }
+}
+
+std::vector<Receiver::Waiter> Receiver::_waitersOfLocked(const std::string& name) const {
+  std::vector<Waiter> found;
+  const auto [first, last] = waiters.equal_range(name);
+  for (auto waiter = first; waiter != last; ++waiter) {
+    found.push_back(waiter->second);
+  }
+  return found;
 }
 
 int Receiver::_takeLocked(const std::string& name, Message& result) {
@@ -71,74 +72,110 @@ int Receiver::_takeLocked(const std::string& name, Message& result) {
   if (entry == store.end()) {
     return RobotEvents::kNoReplyYet;
   }
-  result = entry->second;
+  result = std::move(entry->second.message);
   store.erase(entry);
   return RobotEvents::kSuccess;
+}
+
+std::string Receiver::_addBounded(Entries& entries, const std::string& name, Message message,
+                                  std::uint64_t order, std::size_t limit) {
+  entries[name] = Entry{std::move(message), order};
+  if (entries.size() <= limit) {
+    return {};
+  }
+  auto oldest = entries.begin();
+  for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
+    if (entry->second.order < oldest->second.order) oldest = entry;
+  }
+  std::string dropped = oldest->first;
+  entries.erase(oldest);
+  return dropped;
 }
 
 bool Receiver::_work() {
   ssize_t received = 0;
   int readError = 0;
+  std::uint64_t load = 0;
   {
     std::lock_guard<std::mutex> lock(socketUse);
     if (!active) {
       return false;
     }
+    load = loads;
     received = ::recv(socketFd, receiveBuffer, kReadSize, 0);
     readError = errno;
   }
-  if (received < 0) {
-    if (readError == EINTR) {
-      return true;
-    }
-    if (!active) {
-      return false;
-    }
-    _report(RobotEvents::kReceiveFailed);
+  if (received < 0 && readError == EINTR) {
     return true;
   }
-  // A closed peer sends nothing more: report it once and wait, unloaded, for a new connection.
-  if (received == 0) {
-    if (active) {
+  // A closed peer sends nothing more and a failed read is not retried: either ends this
+  // connection, reported once, and the Receiver waits unloaded for a new one.
+  if (received <= 0) {
+    if (_isCurrent(load)) {
       TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kReceiveFailed,
-                                     "Receiver thread connection closed by peer.");
+                                     received == 0 ? "Receiver thread connection closed by peer."
+                                                   : "Receiver thread recv failed.");
       Unload();
       _report(RobotEvents::kReceiveFailed);
     }
     return false;
   }
-  streamBuffer.append(receiveBuffer, static_cast<std::size_t>(received));
+  // Bytes of an earlier connection cannot complete a message of this one.
+  if (load != framedLoad) {
+    framer.Clear();
+    framedLoad = load;
+  }
+  framer.Append(receiveBuffer, static_cast<std::size_t>(received));
   _handleStream();
   return true;
 }
 
 void Receiver::_handleStream() {
-  TavLogger& logger = TavLogger::GetInstance();
   std::string message;
-  const int generated = _GenerateMsg(message);
-  if (generated != RobotEvents::kSuccess) {
-    logger.Warning(generated, "Receiver thread generate failed.");
-    status = generated;
-    return;
+  int generated = RobotEvents::kSuccess;
+  bool handledAny = false;
+  while ((generated = _GenerateMsg(message)) == RobotEvents::kSuccess) {
+    if (!_handleMessage(message)) {
+      return;
+    }
+    handledAny = true;
   }
+  if (generated == RobotEvents::kDecodeFailed) {
+    _stopForGood(generated, "Receiver thread message too long.");
+  } else if (!handledAny) {
+    TavLogger::GetInstance().Warning(generated, "Receiver thread generate failed.");
+    status = generated;
+  }
+}
+
+bool Receiver::_handleMessage(std::string& message) {
+  TavLogger& logger = TavLogger::GetInstance();
   Message result;
   const int decoded = _decode(result, message);
   if (decoded != RobotEvents::kSuccess) {
-    logger.Error(TAV_ERROR, decoded, "Receiver thread unwrap failed.");
-    _report(decoded);
-    Unload();
-    _requestStop();
-    return;
+    _stopForGood(decoded, "Receiver thread unwrap failed.");
+    return false;
   }
   const std::string name = result["identifier"];
   if (name == "Error") {
-    const Robot_Event event = GetRobotEvent(result["errorcode"]);
+    // An error that names no code must still fail the session: as a status, 0 would mean success.
+    Robot_Event event = GetRobotEvent(result["errorcode"]);
+    if (event == RobotEvents::kSuccess) event = RobotEvents::kDecodeFailed;
     logger.Error(TAV_ERROR, event, "Receiver thread recv an error from KestServer.");
     _report(event);
-    return;
+    return true;
   }
   logger.Info("Receiver thread recv a %s msg", name.c_str());
   _file(name, result);
+  return true;
+}
+
+void Receiver::_stopForGood(Robot_Event event, const char* line) {
+  TavLogger::GetInstance().Error(TAV_ERROR, event, line);
+  framer.Clear();
+  _report(event);
+  Unload();
+  _requestStop();
 }
 
 // The parser lets std::out_of_range through for some malformed shapes; on this thread that is
@@ -152,9 +189,26 @@ int Receiver::_decode(Message& result, std::string& message) {
 }
 
 void Receiver::_file(const std::string& name, const Message& result) {
+  TavLogger& logger = TavLogger::GetInstance();
+  std::vector<Waiter> toWake;
   {
     std::lock_guard<std::mutex> lock(storeMutex);
-    store.emplace(name, result);
+    if (abandoned.erase(name) != 0) {
+      logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped a %s msg nobody waits for.",
+                     name.c_str());
+      return;
+    }
+    if (store.count(name) != 0) {
+      return;
+    }
+    const std::string dropped = _addBounded(store, name, result, ++filings, kMaxUnclaimedReplies);
+    if (!dropped.empty()) {
+      logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped an uncollected %s msg.",
+                     dropped.c_str());
+    }
+    toWake = _waitersOfLocked(name);
   }
-  replyFiled.notify_all();
+  for (const Waiter& waiter : toWake) {
+    waiter->notify_all();
+  }
 }

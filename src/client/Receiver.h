@@ -3,28 +3,37 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
+#include "MessageFramer.h"
 #include "SocketWorker.h"
 #include "../protocol/Parser.h"
 
 // Owns the inbound direction: reads the socket, cuts "<root>" ... "</root>" messages out of
 // the stream, decodes them and files each under its name ("identifier") in the result store,
-// where waiting callers collect it. Server Error messages become events instead.
+// where waiting callers collect it. Server Error messages become events instead. After every
+// read it files all the messages the read completed.
 //
-// Kept on purpose: one message is cut per read (a second one that came in the same read waits
-// for the next read); a reply whose name is already waiting in the store is dropped; a message
-// that cannot be decoded stops the Receiver for good.
+// The store holds only what someone may still collect: a caller announces the name it will
+// wait for before sending (Expect), which drops any stale entry of that name; a reply whose
+// caller gave up is dropped when it arrives; replies nobody announced are kept up to
+// kMaxUnclaimedReplies, the oldest dropped first. A reply whose name is already waiting in the
+// store is dropped (kept on purpose); a message that cannot be decoded stops the Receiver for
+// good.
 //
-// A closed peer is reported once as 1002011; the Receiver then unloads itself and stays idle
-// until it is loaded again.
+// A closed peer or a failed read is reported once as 1002011; the Receiver then unloads
+// itself and stays idle until it is loaded again.
 class Receiver : public SocketWorker {
 public:
   using Message = std::map<std::string, std::string>;
   using Clock = std::chrono::steady_clock;
+  static constexpr std::size_t kMaxUnclaimedReplies = 256;
 
   Receiver();
   ~Receiver() override;
@@ -32,9 +41,13 @@ public:
   int _GenerateMsg(std::string& message);
   // Takes the reply filed under `name` out of the store; 1002021 when there is none. Never waits.
   int GetRecv(std::string name, Message& result);
+  // A reply named `name` is about to be asked for: an entry of that name still in the store
+  // is stale (a wrapped request counter, or a reply nobody collected) and is dropped.
+  void Expect(const std::string& name);
   // Waits until a reply of that name is filed (0, taken out as by GetRecv), `abandon` turns
   // true (1002021) or the deadline passes (1003031). `abandon` is checked under the store's
   // lock whenever a waiter is woken; whoever makes it true must call WakeWaiters afterwards.
+  // A waiter that gives up leaves word to drop its reply should it still come.
   int WaitRecv(const std::string& name, Message& result, const std::function<bool()>& abandon,
                Clock::time_point deadline);
   void WakeWaiters();
@@ -44,19 +57,40 @@ protected:
   bool _work() override;
 
 private:
-  // Cuts, decodes and files or reports the next message of the stream buffer.
+  struct Entry {
+    Message message;
+    std::uint64_t order;
+  };
+  using Entries = std::map<std::string, Entry>;
+  // A caller in WaitRecv. Each has its own condition variable, so that a filed reply wakes its
+  // caller alone rather than every caller of the session; shared, so that it can be notified
+  // after the store's lock is released even if its caller has gone by then.
+  using Waiter = std::shared_ptr<std::condition_variable>;
+
+  // Cuts, decodes and files or reports every complete message of the stream buffer.
   void _handleStream();
+  // Decodes and files or reports one message; false when the Receiver must stop for good.
+  bool _handleMessage(std::string& message);
+  void _stopForGood(Robot_Event event, const char* line);
   int _decode(Message& result, std::string& message);
   void _file(const std::string& name, const Message& result);
+  std::vector<Waiter> _waitersOfLocked(const std::string& name) const;
   int _takeLocked(const std::string& name, Message& result);
+  // Adds an entry, dropping the oldest beyond `limit`; returns the name dropped, if any.
+  static std::string _addBounded(Entries& entries, const std::string& name, Message message,
+                                 std::uint64_t order, std::size_t limit);
 
   static constexpr std::size_t kReadSize = 1024;
   char receiveBuffer[kReadSize] = {};
-  std::string streamBuffer;
+  MessageFramer framer;
+  std::uint64_t framedLoad = 0;  // the load whose bytes the framer holds
   Parser parser;
-  std::map<std::string, Message> store;
+  // Guarded by storeMutex.
+  Entries store;
+  Entries abandoned;  // names whose waiter gave up; their messages are empty
+  std::multimap<std::string, Waiter> waiters;
+  std::uint64_t filings = 0;
   std::mutex storeMutex;
-  std::condition_variable replyFiled;
 };
 
 #endif

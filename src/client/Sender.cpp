@@ -3,6 +3,7 @@
 #include <sys/socket.h>
 #include <sys/types.h>
 
+#include <cstdint>
 #include <utility>
 
 #include "common/TavLogger.h"
@@ -27,6 +28,11 @@ void Sender::AddTask(Tasks task) {
   taskQueued.notify_one();
 }
 
+void Sender::ClearQueue() {
+  std::lock_guard<std::mutex> lock(queueMutex);
+  queue.clear();
+}
+
 void Sender::Stop() {
   _requestStop();
 }
@@ -46,13 +52,19 @@ bool Sender::_work() {
     queue.pop_front();
   }
   ssize_t sent = 0;
+  std::uint64_t load = 0;
   {
     std::lock_guard<std::mutex> lock(socketUse);
     if (!active) {
       return false;
     }
+    load = loads;
     const std::string text = _buildMessage(task);
     sent = ::send(socketFd, text.data(), text.size(), MSG_NOSIGNAL);
+  }
+  // A send cut short by a logout belongs to a connection that is already gone.
+  if (sent == -1 && !_isCurrent(load)) {
+    return false;
   }
   if (sent == -1) {
     TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kSendFailed, "Sender thread send failed.");

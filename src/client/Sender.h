@@ -23,6 +23,8 @@ public:
   ~Sender() override;
 
   void AddTask(Tasks task);
+  // Drops what is still queued: after a logout it belongs to no connection.
+  void ClearQueue();
   void Stop();
 
 protected:

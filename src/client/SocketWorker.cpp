@@ -4,10 +4,18 @@ SocketWorker::SocketWorker(const char* setup, const char* shutdown) : WorkerThre
 
 void SocketWorker::RobotEventRegister(EventCallback callback) {
   eventCallback = callback;
+  contextEventCallback = nullptr;
+}
+
+void SocketWorker::RobotEventRegister(ContextEventCallback callback, void* context) {
+  contextEventCallback = callback;
+  eventContext = context;
+  eventCallback = nullptr;
 }
 
 void SocketWorker::Load(int& socket) {
   socketFd = socket;
+  ++loads;
   _setActive(true);
 }
 
@@ -20,7 +28,9 @@ void SocketWorker::WaitSocketReleased() {
 }
 
 void SocketWorker::_eventCall() {
-  if (eventCallback != nullptr) {
+  if (contextEventCallback != nullptr) {
+    contextEventCallback(status, eventContext);
+  } else if (eventCallback != nullptr) {
     eventCallback(status);
   }
 }

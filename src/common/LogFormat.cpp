@@ -1,5 +1,9 @@
 #include "common/LogFormat.h"
 
+#include <cstring>
+
+// Runs of plain characters are appended whole: most formats are plain text, and this runs on
+// the thread of whoever logs.
 std::string FormatLogText(const char* format, va_list arguments) {
   std::string text;
   if (format == nullptr) {
@@ -7,15 +11,20 @@ std::string FormatLogText(const char* format, va_list arguments) {
   }
   bool converting = false;
   for (const char* c = format; *c != '\0'; ++c) {
-    if (*c == '%') {
+    if (!converting) {
+      const char* percent = std::strchr(c, '%');
+      if (percent == nullptr) {
+        text.append(c);
+        break;
+      }
+      text.append(c, percent);
+      c = percent;
       converting = true;
       continue;
     }
-    if (!converting) {
-      text += *c;
-      continue;
-    }
     switch (*c) {
+      case '%':
+        break;
       case 'd':
       case 'u':
       case 'c':

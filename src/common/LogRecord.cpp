@@ -16,10 +16,30 @@ const char* LogLevelName(LogLevel level) {
   }
 }
 
-std::string FormatLogLine(const std::string& timeText, const log_message& record) {
-  std::string line = timeText + " " + LogLevelName(record.level);
+namespace {
+
+void AppendLogLine(std::string& out, const std::string& timeText, const log_message& record) {
+  out += timeText;
+  out += ' ';
+  out += LogLevelName(record.level);
   if (record.level > TAV_INFO) {
-    line += " (" + std::to_string(static_cast<uint32_t>(record.event)) + ")";
+    out += " (";
+    out += std::to_string(static_cast<uint32_t>(record.event));
+    out += ')';
   }
-  return line + ": " + record.text;
+  out += ": ";
+  out += record.text;
+}
+
+}  // namespace
+
+std::string FormatLogLines(const std::string& timeText, const std::deque<log_message>& records) {
+  std::string lines;
+  const char* separator = "";
+  for (const log_message& record : records) {
+    lines += separator;
+    AppendLogLine(lines, timeText, record);
+    separator = "\n";
+  }
+  return lines;
 }

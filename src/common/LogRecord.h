@@ -2,6 +2,7 @@
 #define TAVCLIENT_COMMON_LOGRECORD_H
 
 #include <cstdint>
+#include <deque>
 #include <string>
 
 #include "RobotEvent.h"
@@ -27,8 +28,9 @@ struct log_message {
 // "DEBUG", "INFO", "WARNING", "ERROR" or "FATAL"; any other value is "ERROR".
 const char* LogLevelName(LogLevel level);
 
-// The line for a record, without its line end: "<time> INFO: text", or for levels above INFO
-// "<time> WARNING (7): text", the event printed unsigned.
-std::string FormatLogLine(const std::string& timeText, const log_message& record);
+// The lines for records written at one time, joined by line ends, without one after the last.
+// A record's line is "<time> INFO: text", or for levels above INFO "<time> WARNING (7): text",
+// the event printed unsigned.
+std::string FormatLogLines(const std::string& timeText, const std::deque<log_message>& records);
 
 #endif

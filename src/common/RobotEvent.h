@@ -18,6 +18,13 @@ constexpr Robot_Event kReplyTimeout = 1003031;        // no reply within 3600 se
 constexpr Robot_Event kSocketSetupFailed = 1004011;   // socket() failed or the address is bad
 constexpr Robot_Event kConnectFailed = 1004021;       // connect() failed
 constexpr Robot_Event kResourceFailed = 1005011;      // directory, properties file or key
+// SetReplyTimeout refused a non-positive or non-finite value; the previous setting is kept.
+constexpr Robot_Event kInvalidArgument = 1006011;
+
+// Every code above, so that whatever must cover them all (their texts) can walk them.
+constexpr Robot_Event kLibraryCodes[] = {
+    kSuccess, kSendFailed, kReceiveFailed, kNoReplyYet, kNoCompleteMessage, kDecodeFailed,
+    kReplyTimeout, kSocketSetupFailed, kConnectFailed, kResourceFailed, kInvalidArgument};
 }  // namespace RobotEvents
 
 #endif

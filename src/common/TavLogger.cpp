@@ -1,13 +1,24 @@
 #include "common/TavLogger.h"
 
+#include <chrono>
 #include <cstdarg>
 #include <ctime>
+#include <memory>
+#include <thread>
 #include <utility>
 
 #include "common/LocalTime.h"
-#include "common/LogFile.h"
 #include "common/LogFormat.h"
+#include "common/LogPlacement.h"
 #include "common/TavResource.h"
+
+namespace {
+
+// Long enough to gather the records of many commands, short enough that a line still follows
+// its event at once to a reader of the file.
+constexpr std::chrono::milliseconds kGatherWindow{2};
+
+}  // namespace
 
 TavLogger& TavLogger::GetInstance() {
   static TavLogger instance;
@@ -34,7 +45,9 @@ void TavLogger::StartLogging() {
   if (threadStarted) {
     return;
   }
-  logDirectory = TavResource::GetInstance().GetLogPath();
+  const TavResource& resource = TavResource::GetInstance();
+  logDirectory = resource.GetLogPath();
+  homeNotice = resource.GetHomeNotice();
   running = true;
   threadStarted = Start();
   if (!threadStarted) {
@@ -74,22 +87,33 @@ void TavLogger::_enqueue(log_message record) {
   condition.notify_one();
 }
 
-bool TavLogger::_nextRecord(log_message& record) {
+// While the thread gathers it waits on nothing, so the records queued meanwhile signal no one
+// and cost their producers no wake-up.
+bool TavLogger::_nextBatch(std::deque<log_message>& batch) {
   std::unique_lock<std::mutex> lock(mutex);
   condition.wait(lock, [this] { return !queue.empty() || !running; });
   if (queue.empty()) {
     return false;
   }
-  record = std::move(queue.front());
-  queue.pop_front();
+  if (running) {
+    lock.unlock();
+    std::this_thread::sleep_for(kGatherWindow);
+    lock.lock();
+  }
+  batch.clear();
+  batch.swap(queue);
   return true;
 }
 
+// A batch is written at one time, so its lines share the time stamp and the rotation check.
 void TavLogger::Run() {
-  LogFile file(logDirectory, std::time(nullptr));
-  log_message record{};
-  while (_nextRecord(record)) {
-    const std::time_t now = std::time(nullptr);
-    file.Write(now, FormatLogLine(LogLineTime(now), record));
+  const std::unique_ptr<LogFile> file = OpenLogFile(logDirectory, homeNotice, std::time(nullptr));
+  std::deque<log_message> batch;
+  // Without a file the records are still taken, so that the queue does not grow.
+  while (_nextBatch(batch)) {
+    if (file) {
+      const std::time_t now = std::time(nullptr);
+      file->Write(now, FormatLogLines(LogLineTime(now), batch));
+    }
   }
 }

@@ -12,8 +12,14 @@
 #include "../thread/TavThread.h"
 
 // The library's logger: any thread queues formatted records, and the logger's own thread
-// writes them in queue order, one flushed line each, into the log file (see LogFile) in the
-// log directory of TavResource. Formats follow FormatLogText, not printf.
+// writes them in queue order, one line each, into the log file (see LogFile) in the log
+// directory of TavResource, or where OpenLogFile falls back to, or nowhere. Formats follow
+// FormatLogText, not printf.
+//
+// The logger thread takes records in batches: woken by the first record, it lets the others
+// of the moment gather for kGatherWindow, then writes all of them with one flushed write. A
+// line thus reaches the file within a few milliseconds, and a busy session wakes the logger
+// and writes to the file a few hundred times a second rather than twice per command.
 //
 // Records queued before the thread starts wait in the queue. At process exit the singleton's
 // destructor stops the thread after it has written everything queued and joins it.
@@ -24,8 +30,9 @@ public:
   TavLogger(const TavLogger&) = delete;
   TavLogger& operator=(const TavLogger&) = delete;
 
-  // Marks the logger running and starts its thread, taking the log directory from TavResource
-  // (so Load comes first). Later calls do nothing while the first thread is there.
+  // Marks the logger running and starts its thread, taking the log directory and the notice
+  // about HOME from TavResource (so Load comes first). Later calls do nothing while the first
+  // thread is there.
   void StartLogging();
 
   // Level INFO, no event.
@@ -35,7 +42,8 @@ public:
   // Level ERROR whatever the level argument, which is kept with the record.
   void Error(LogLevel level, Robot_Event event, const char* format, ...);
 
-  // The thread body: opens the file, then writes records until stopped and drained.
+  // The thread body: opens the file (see OpenLogFile), then writes records until stopped and
+  // drained.
   void Run() override;
 
 private:
@@ -43,8 +51,9 @@ private:
   ~TavLogger() override;
 
   void _enqueue(log_message record);
-  // Waits for the next record; false once stopped with nothing left to write.
-  bool _nextRecord(log_message& record);
+  // Waits for records and moves every queued one into `batch`; false once stopped with
+  // nothing left to write.
+  bool _nextBatch(std::deque<log_message>& batch);
 
   std::deque<log_message> queue;
   std::mutex mutex;
@@ -55,6 +64,7 @@ private:
   // Guarded by the mutex.
   bool threadStarted;
   std::string logDirectory;
+  std::string homeNotice;
 };
 
 #endif

@@ -1,6 +1,11 @@
 #include "common/TavResource.h"
 
+#include <sys/stat.h>
+
 #include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <system_error>
 
 #include "common/RobotEvent.h"
 #include "common/TavProperties.h"
@@ -9,17 +14,44 @@
 namespace {
 
 constexpr const char* kPropertiesFile = "TavClientResource.properties";
+constexpr const char* kBaseName = "TavClient";
 
-// The value of key when the properties file opened and holds it, otherwise the fallback.
-std::string Configured(TavProperties& properties, bool opened, const char* key, const std::string& fallback) {
+// The value of key when the properties file opened and holds it.
+std::optional<std::string> Configured(TavProperties& properties, bool opened, const char* key) {
   std::string value;
   if (opened && properties.read(key, &value) == RobotEvents::kSuccess) {
     return value;
   }
-  return fallback;
+  return std::nullopt;
+}
+
+// Why HOME cannot take the base directory, or "" when it can. Making the base is the test
+// of writability: permission bits say nothing to root.
+std::string HomeProblem(const char* home) {
+  if (home == nullptr) {
+    return "unset";
+  }
+  if (*home == '\0') {
+    return "empty";
+  }
+  struct stat status {};
+  if (::stat(home, &status) != 0 || !S_ISDIR(status.st_mode)) {
+    return std::string(home) + " is not a directory";
+  }
+  const std::string base = std::string(home) + "/" + kBaseName;
+  if (createDirectory(base) != RobotEvents::kSuccess) {
+    return "cannot create " + base;
+  }
+  return "";
 }
 
 }  // namespace
+
+std::string WorkingDirectoryBase() {
+  std::error_code error;
+  const std::filesystem::path directory = std::filesystem::current_path(error);
+  return ((error ? std::filesystem::path(".") : directory) / kBaseName).string();
+}
 
 TavResource& TavResource::GetInstance() {
   static TavResource instance;
@@ -41,14 +73,20 @@ int TavResource::Load() {
     properties.load();
   }
 
-  basePath = Configured(properties, opened, "TAVCLIENT_PATH", home + "/TavClient");
+  // A path this call does not reach must not stay from an earlier one: the logger takes it.
+  logPath.clear();
+  repositoryPath.clear();
+  homeNotice.clear();
+
+  const std::optional<std::string> configuredBase = Configured(properties, opened, "TAVCLIENT_PATH");
+  basePath = configuredBase ? *configuredBase : _homeBase(environmentHome);
   int status = createDirectory(basePath);
   if (status == RobotEvents::kSuccess) {
-    logPath = Configured(properties, opened, "LOG_PATH", basePath + "/log");
+    logPath = Configured(properties, opened, "LOG_PATH").value_or(basePath + "/log");
     status = createDirectory(logPath);
   }
   if (status == RobotEvents::kSuccess) {
-    repositoryPath = Configured(properties, opened, "REPOSITORY_PATH", basePath + "/repository");
+    repositoryPath = Configured(properties, opened, "REPOSITORY_PATH").value_or(basePath + "/repository");
     status = createDirectory(repositoryPath);
   }
   if (status != RobotEvents::kSuccess) {
@@ -57,6 +95,15 @@ int TavResource::Load() {
   }
   loaded = true;
   return RobotEvents::kSuccess;
+}
+
+std::string TavResource::_homeBase(const char* environmentHome) {
+  const std::string problem = HomeProblem(environmentHome);
+  if (problem.empty()) {
+    return home + "/" + kBaseName;
+  }
+  homeNotice = "HOME is not usable (" + problem + ")";
+  return WorkingDirectoryBase();
 }
 
 bool TavResource::IsLoaded() const {
@@ -82,4 +129,9 @@ std::string TavResource::GetLogPath() const {
 std::string TavResource::GetRepositoryPath() const {
   std::lock_guard<std::mutex> lock(mutex);
   return repositoryPath;
+}
+
+std::string TavResource::GetHomeNotice() const {
+  std::lock_guard<std::mutex> lock(mutex);
+  return homeNotice;
 }

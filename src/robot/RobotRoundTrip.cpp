@@ -1,7 +1,10 @@
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Robot.h"
+#include "common/TavLogger.h"
 #include "common/TavUtils.h"
 #include "robot/ReplyText.h"
 
@@ -19,8 +22,7 @@ int Robot::_roundTrip(const std::string& function_name, const Parameters& parame
   task.params["function_name"] = function_name;
   for (const auto& [key, text] : parameters) task.params[key] = text;
 
-  if (const int code = AddTasks(task)) return code;
-  if (const int code = GetResult(function_name + timestamp, reply)) return code;
+  if (const int code = Exchange(std::move(task), function_name + timestamp, reply)) return code;
   return GetRobotEvent(ReplyText::ValueOf(reply, "state"));
 }
 
@@ -55,23 +57,42 @@ int Robot::_queryValue(const std::string& function_name, const Parameters& param
   return 0;
 }
 
-// The reply, not the request, decides how many values are written. All of them are read
-// before the first is stored, so a value that does not parse leaves the output untouched.
+// All values are read before any is stored, so a value that does not parse leaves the
+// output untouched.
 template <typename Number>
 int Robot::_queryValues(const std::string& function_name, const Parameters& parameters,
-                        Number* values) {
+                        std::vector<Number>& values) {
   std::vector<std::string> pieces;
   if (const int code = _queryList(function_name, parameters, pieces)) return code;
   std::vector<Number> read(pieces.size());
   for (size_t i = 0; i < pieces.size(); ++i) ReplyText::ReadNumber(pieces[i], read[i]);
-  for (size_t i = 0; i < read.size(); ++i) values[i] = read[i];
+  values = std::move(read);
+  return 0;
+}
+
+// The reply decides how many values there are, the caller how many it can hold: the rest is
+// dropped rather than written past the end of its array.
+template <typename Number>
+int Robot::_queryValues(const std::string& function_name, const Parameters& parameters,
+                        Number* values, size_t capacity) {
+  std::vector<Number> read;
+  if (const int code = _queryValues(function_name, parameters, read)) return code;
+  if (read.size() > capacity) {
+    TavLogger::GetInstance().Warning(0, "Robot %s reply holds %d values, room for %d: the rest is ignored.",
+                                     function_name.c_str(), static_cast<int>(read.size()),
+                                     static_cast<int>(capacity));
+    read.resize(capacity);
+  }
+  std::copy(read.begin(), read.end(), values);
   return 0;
 }
 
 template int Robot::_queryValue(const std::string&, const Parameters&, double&);
 template int Robot::_queryValue(const std::string&, const Parameters&, int&);
-template int Robot::_queryValues(const std::string&, const Parameters&, double*);
-template int Robot::_queryValues(const std::string&, const Parameters&, int*);
+template int Robot::_queryValues(const std::string&, const Parameters&, std::vector<double>&);
+template int Robot::_queryValues(const std::string&, const Parameters&, std::vector<int>&);
+template int Robot::_queryValues(const std::string&, const Parameters&, double*, size_t);
+template int Robot::_queryValues(const std::string&, const Parameters&, int*, size_t);
 
 // Pieces 0 to 5 in the order of _Pose; extra pieces are ignored, missing ones throw
 // std::out_of_range and leave the pose untouched.

@@ -8,7 +8,7 @@
 
 Robot::Robot() = default;
 
-// Logging out is the caller's duty: the Client's destructor waits for idle workers.
+// A Robot still logged in is logged out by the Client's destructor.
 Robot::~Robot() = default;
 
 // Connects, introduces the client and waits for the controller's verdict. A failure after the
@@ -23,10 +23,8 @@ int Robot::RobotLogin(const char* ip, short port) {
                        {"version", info.version},
                        {"system", info.system},
                        {"language", info.language}};
-  if (const int code = AddTasks(clientInfo)) return code;
-
   Reply reply;
-  if (const int code = GetResult("ConnResult", reply)) return code;
+  if (const int code = Exchange(clientInfo, "ConnResult", reply)) return code;
   if (const int code = GetRobotEvent(ReplyText::ValueOf(reply, "result"))) return code;
   GetClientIP(clientId);
   return 0;
@@ -54,5 +52,10 @@ int Robot::_getMotorIds() {
 int Robot::get_motor_ids(size_t& count, int* ids) {
   count = motorIds.size();
   std::copy(motorIds.begin(), motorIds.end(), ids);
+  return 0;
+}
+
+int Robot::get_motor_ids(std::vector<int>& ids) {
+  ids = motorIds;
   return 0;
 }

@@ -55,9 +55,10 @@ protected:
 };
 
 TEST_F(ClientTest, QueuedTasksLeaveInOrderAndRepliesAreCollectedByName) {
+  EXPECT_EQ(RobotEvents::kSendFailed, client.AddTasks(CommandTask("stop", 5200))) << "not connected yet";
+  ASSERT_NO_FATAL_FAILURE(Connect());
   ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("move_to_angles", 5201, {{"velocity", "0.5"}})));
   ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", 5202)));
-  ASSERT_NO_FATAL_FAILURE(Connect());
   tavsim::ClientMessage move, recover;
   ASSERT_TRUE(controller.ReceiveCommand("move_to_angles", move));
   EXPECT_EQ("0.5", move.parameters["velocity"]);
@@ -90,7 +91,7 @@ TEST_F(ClientTest, ServerErrorIsReturnedByEveryLaterCallAndPrinted) {
 TEST_F(ClientTest, UnparsableAddressLeavesTheSessionUsableAndRefusedConnectPoisonsIt) {
   EXPECT_EQ(RobotEvents::kSocketSetupFailed, client.InitializeSocket("127.0.0.256", controller.PortArg()));
   EXPECT_EQ(RobotEvents::kSocketSetupFailed, client.InitializeSocket("localhost", controller.PortArg()));
-  EXPECT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", 1)));
+  EXPECT_EQ(RobotEvents::kSendFailed, client.AddTasks(CommandTask("recover", 1))) << "not connected, not failed";
   const tavsim::RefusingPort refusing;
   EXPECT_EQ(RobotEvents::kConnectFailed, client.InitializeSocket("127.0.0.1", static_cast<short>(refusing.Port())));
   EXPECT_EQ(RobotEvents::kConnectFailed, client.AddTasks(CommandTask("recover", 2)));
@@ -149,6 +150,34 @@ TEST(ClientLifecycleTest, ConstructorThatThrowsJoinsTheWorkersItStarted) {
   const tavtest::WorkingDirectory inDirectory(directory.Path());
   EXPECT_THROW(Client client, std::out_of_range);
   EXPECT_TRUE(ThreadCountReturnsTo(baseline)) << tavtest::ThreadCount() << " threads, " << baseline << " expected";
+}
+
+// A reset that both workers see, the Receiver in its read and the Sender in a send of the tasks
+// still queued, ends one connection: it is reported once, and the code the first failing call
+// returned stays the session's.
+TEST(ClientLifecycleTest, AResetSeenByBothWorkersIsReportedOnce) {
+  tavtest::ScriptedController controller;
+  ::testing::internal::CaptureStdout();
+  int failed = RobotEvents::kSuccess;
+  {
+    Client client;
+    ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
+    ASSERT_TRUE(controller.Accept());
+    // Far more than the loopback socket buffers hold while the controller reads nothing.
+    for (int task = 0; task < 1000; ++task) {
+      const Message padding{{"pad", std::string(16384, 'x')}};
+      ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("recover", task, padding)));
+    }
+    controller.Reset();
+    EXPECT_TRUE(tavtest::PollUntil(2s, [&] { return (failed = client.AddTasks(CommandTask("stop", 0))) != 0; }));
+    EXPECT_TRUE(tavtest::PollUntil(2s, [] {
+      for (const std::string& line : tavtest::LogLines(::getenv("HOME"))) {
+        if (line.find("Sender thread send failed.") != std::string::npos) return true;
+      }
+      return false;
+    })) << "the Sender met the reset too";
+  }  // joins the workers: every report has been made
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "call back " + std::to_string(failed) + "\n");
 }
 
 // A server that closes while a call waits fails the call at once and quietly; the Clients made

@@ -6,6 +6,7 @@
 
 #include "Commands.h"
 #include "WorkerFixture.h"
+#include "client/MessageFramer.h"
 #include "client/Receiver.h"
 #include "common/RobotEvent.h"
 #include "core/ControllerReplies.h"
@@ -48,7 +49,7 @@ protected:
   }
 };
 
-TEST_F(ReceiverTest, FramesSplitMessagesAndCutsOneMessagePerRead) {
+TEST_F(ReceiverTest, FramesSplitMessagesAndFilesEveryMessageOfARead) {
   const std::string angles = Reply("11", "get_angles", "0", {{"result1", "1.5,2.5"}});
   ASSERT_TRUE(SendAsOneRead("noise before the tag" + angles.substr(0, 10)));
   ASSERT_TRUE(SendAsOneRead(angles.substr(10, 30)));
@@ -57,12 +58,10 @@ TEST_F(ReceiverTest, FramesSplitMessagesAndCutsOneMessagePerRead) {
   ASSERT_EQ(RobotEvents::kSuccess, Collect("get_angles11", result));
   EXPECT_EQ((Message{{"identifier", "get_angles11"}, {"state", "0"}, {"result1", "1.5,2.5"}}), result);
 
+  // Both in one write and nothing after them: neither may wait for a later read.
   ASSERT_TRUE(SendAsOneRead(Reply("1", "recover") + Reply("2", "stop")));
   ASSERT_EQ(RobotEvents::kSuccess, Collect("recover1", result));
-  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("stop2", result)) << "the second message waits for a read";
-  ASSERT_TRUE(SendAsOneRead(tavsim::HeartReplyMessage()));
-  EXPECT_EQ(RobotEvents::kSuccess, Collect("stop2", result));
-  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("heart", result));
+  EXPECT_EQ(RobotEvents::kSuccess, Collect("stop2", result, 1s));
 }
 
 TEST_F(ReceiverTest, PiecesSmallerThanAnEarlierReadAreFramedFromTheirOwnBytes) {
@@ -98,6 +97,56 @@ TEST_F(ReceiverTest, ReplyWithABadChecksumStopsTheReceiverForGood) {
 // "<a/>" without its blank makes the parser throw; the Receiver must not.
 TEST_F(ReceiverTest, TextThatMakesTheParserThrowStopsTheReceiverForGood) {
   ExpectStopsForGood("<root><a/></root>");
+}
+
+TEST_F(ReceiverTest, AMessageThatNeverEndsStopsTheReceiverForGood) {
+  ExpectStopsForGood("<root>" + std::string(MessageFramer::kMaxMessageSize, 'x'));
+}
+
+// An Error without a usable code must still fail the session: as a status, 0 would be success.
+TEST_F(ReceiverTest, AnErrorWhoseCodeReadsAsZeroIsReportedAsUnreadable) {
+  ASSERT_TRUE(SendAsOneRead(tavsim::ErrorMessage("none")));
+  EXPECT_EQ(EventLog::WaitFor(1), Events{RobotEvents::kDecodeFailed});
+}
+
+// The end of a connection is one event, however the read fails; a later load reads again.
+TEST_F(ReceiverTest, AResetOrACloseIsReportedOnce) {
+  controller.Reset();
+  ASSERT_EQ(EventLog::WaitFor(1), Events{RobotEvents::kReceiveFailed});
+  EXPECT_EQ(EventLog::WaitFor(2, 300ms), Events{RobotEvents::kReceiveFailed});
+  ASSERT_NO_FATAL_FAILURE(Reconnect());
+  controller.Close();
+  EXPECT_EQ(EventLog::WaitFor(3, 300ms), Events(2, RobotEvents::kReceiveFailed));
+}
+
+// Only replies someone may still collect are kept: an entry left from before a request is
+// stale (the counter wrapped), and a reply whose caller gave up is dropped when it comes.
+TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
+  ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}}) + Reply("8", "stop")));
+  Message result;
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("stop8", result));  // filed after the stale one
+  worker->Expect("get_angles9");
+  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("get_angles9", result));
+
+  EXPECT_EQ(RobotEvents::kReplyTimeout, Collect("get_angles9", result, 50ms));
+  ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}})));
+  ASSERT_TRUE(SendAsOneRead(Reply("10", "stop")));
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("stop10", result));
+  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("get_angles9", result)) << "the late reply was dropped";
+  ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "1"}})));
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("get_angles9", result));
+  EXPECT_EQ("1", result["result1"]) << "the next reply of that name is kept";
+}
+
+TEST_F(ReceiverTest, RepliesNobodyAskedForAreCapped) {
+  std::string flood;
+  for (std::size_t i = 0; i <= Receiver::kMaxUnclaimedReplies; ++i) flood += Reply(std::to_string(i), "stop");
+  ASSERT_TRUE(SendAsOneRead(flood + Reply("9999", "recover")));
+  Message result;
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("recover9999", result));
+  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("stop0", result)) << "the oldest went first";
+  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("stop1", result));
+  EXPECT_EQ(RobotEvents::kSuccess, worker->GetRecv("stop2", result));
 }
 
 }  // namespace

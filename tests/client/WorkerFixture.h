@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "common/RobotEvent.h"
+#include "core/LoopbackListener.h"
 #include "support/ClientSocket.h"
 #include "support/ScriptedController.h"
 
@@ -68,7 +69,7 @@ protected:
   }
 
   void Reconnect() {
-    socket = tavtest::ConnectLoopback(controller.Port());
+    socket = tavsim::ConnectLoopback(controller.Port());
     ASSERT_TRUE(socket.Valid());
     ASSERT_TRUE(controller.Accept());
     int fd = socket.Get();

@@ -1,5 +1,5 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <time.h>
 
 #include <algorithm>
@@ -107,8 +107,9 @@ TEST(LogFileTest, NamesFilesAfterTheStartAndMovesOnWithTheFirstRecordOfEachLater
 
 TEST(LogFileTest, LinesCarryTheTimeTheLevelAndAboveInfoTheEvent) {
   EXPECT_EQ(LogLineTime(SampleStart()), "2026-01-02 03:04:05");
-  EXPECT_EQ(FormatLogLine("T", {TAV_DEBUG, TAV_DEBUG, 5, "text"}), "T DEBUG: text");
-  EXPECT_EQ(FormatLogLine("T", {static_cast<LogLevel>(9), TAV_DEBUG, 2, "x"}), "T ERROR (2): x");
+  EXPECT_EQ(FormatLogLines("T", {{TAV_DEBUG, TAV_DEBUG, 5, "text"}}), "T DEBUG: text");
+  EXPECT_EQ(FormatLogLines("T", {{static_cast<LogLevel>(9), TAV_DEBUG, 2, "x"}, {TAV_INFO, TAV_DEBUG, 0, ""}}),
+            "T ERROR (2): x\nT INFO: ");
 }
 
 TEST(TavLoggerTest, WritesTheLevelTheEventAboveInfoAndTheFormattedText) {
@@ -159,30 +160,21 @@ TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
 }
 
 // An exit test ends a child process that runs the test program again for that test alone, so
-// its logger is fresh. The child runs the test body from the start too: it inherits the
-// directory the parent made through the environment.
+// its logger is fresh.
 TEST(TavLoggerExitTest, WritesEverythingQueuedBeforeTheProcessEnds) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  std::string home = (fs::temp_directory_path() / "tavclient-exit-XXXXXX").string();
-  if (const char* inherited = ::getenv("TAVTEST_EXIT_HOME")) {
-    home = inherited;
-  } else {
-    ASSERT_NE(::mkdtemp(home.data()), nullptr);
-    ::setenv("TAVTEST_EXIT_HOME", home.c_str(), 1);
-  }
+  const tavtest::ExitTestDirectory home;
   constexpr int kRecords = 500;
   EXPECT_EXIT(
       {
-        StartLoggingUnder(home);
+        StartLoggingUnder(home.Path());
         for (int i = 0; i < kRecords; ++i) TavLogger::GetInstance().Info("exit %d", i);
         std::exit(0);
       },
-      ::testing::ExitedWithCode(0), "");
+      ::testing::ExitedWithCode(0), ::testing::StrEq("")) << "a usable HOME needs no word on stderr";
   std::vector<std::string> expected;
   for (int i = 0; i < kRecords; ++i) expected.push_back("INFO: exit " + std::to_string(i));
-  EXPECT_EQ(LoggedTexts(home), expected);
-  fs::remove_all(home);
-  ::unsetenv("TAVTEST_EXIT_HOME");
+  EXPECT_EQ(LoggedTexts(home.Path()), expected);
 }
 
 TEST(TavLoggerExitTest, ALoggerThatNeverStartedDoesNotHoldUpExit) {

@@ -2,8 +2,11 @@
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "common/TavProperties.h"
 #include "common/TavResource.h"
@@ -90,6 +93,8 @@ protected:
   const tavtest::WorkingDirectory inside{workingDirectory.Path()};
   const tavtest::ScopedHome homeVariable{home.Path()};
   const std::string properties = workingDirectory.Path() + "/TavClientResource.properties";
+  // The base without a usable HOME; getcwd, which the library asks, resolves links.
+  const std::string localBase = fs::canonical(workingDirectory.Path()).string() + "/TavClient";
   TavResource& resource = TavResource::GetInstance();
 };
 
@@ -102,6 +107,7 @@ TEST_F(TavResourceTest, WithoutAPropertiesFileOrWithCommentsOnlyMakesTheDefaults
     EXPECT_EQ(resource.GetBasePath(), home.Path() + "/TavClient");
     EXPECT_EQ(resource.GetLogPath(), home.Path() + "/TavClient/log");
     EXPECT_EQ(resource.GetRepositoryPath(), home.Path() + "/TavClient/repository");
+    EXPECT_EQ(resource.GetHomeNotice(), "");
     EXPECT_TRUE(fs::is_directory(resource.GetLogPath()) && fs::is_directory(resource.GetRepositoryPath()));
   }
 }
@@ -114,10 +120,37 @@ TEST_F(TavResourceTest, APropertiesFileWithAKeyThrowsBeforeMakingAnything) {
   EXPECT_TRUE(fs::is_empty(home.Path()));
 }
 
-TEST_F(TavResourceTest, ADirectoryThatCannotBeMadeGivesTheFailureCode) {
+// A path over 256 characters cannot be made, so "deep" fails even for root.
+TEST_F(TavResourceTest, WithoutAUsableHomeMakesTheDirectoriesInTheWorkingDirectory) {
   const std::string file = home.Path() + "/file";
   std::ofstream(file) << "x";
-  const tavtest::ScopedHome homeOnAFile(file);
+  const std::string deep = home.Path() + "/" + std::string(250 - home.Path().size(), 'd');
+  fs::create_directory(deep);
+  const std::vector<std::pair<std::optional<std::string>, std::string>> cases{
+      {std::nullopt, "unset"},
+      {"", "empty"},
+      {file, file + " is not a directory"},
+      {file + "/below", file + "/below is not a directory"},
+      {deep, "cannot create " + deep + "/TavClient"},
+  };
+  for (const auto& [value, reason] : cases) {
+    const tavtest::ScopedHome homeOfTheCase(value);
+    EXPECT_EQ(resource.Load(), 0);
+    EXPECT_EQ(resource.GetHomeNotice(), "HOME is not usable (" + reason + ")");
+    EXPECT_EQ(resource.GetBasePath(), localBase);
+    EXPECT_EQ(resource.GetLogPath(), localBase + "/log");
+    EXPECT_EQ(resource.GetRepositoryPath(), localBase + "/repository");
+  }
+  EXPECT_TRUE(fs::is_directory(localBase + "/log") && fs::is_directory(localBase + "/repository"));
+  EXPECT_TRUE(fs::is_empty(deep));
+}
+
+TEST_F(TavResourceTest, ADirectoryThatCannotBeMadeGivesTheFailureCodeAndNoPathOfAnEarlierLoad) {
+  ASSERT_EQ(resource.Load(), 0);
+  std::ofstream(localBase) << "x";
+  const tavtest::ScopedHome homeUnset(std::nullopt);
   EXPECT_EQ(resource.Load(), 1005011);
-  EXPECT_EQ(resource.GetBasePath(), file + "/TavClient");
+  EXPECT_EQ(resource.GetBasePath(), localBase);
+  EXPECT_EQ(resource.GetLogPath(), localBase + "/log") << "set before it failed";
+  EXPECT_EQ(resource.GetRepositoryPath(), "");
 }

@@ -108,7 +108,6 @@ TEST_F(RobotCommandTest, ASessionSetsUpDiscoversTheMotorIdsForTheAllMotorFormsAn
   const double angles[6] = {0.0, 0.5, 1.0, 1.5, 2.0, 2.5};
   EXPECT_EQ(Ask([&] { return robot.forward(angles, pose); }, "forward", "[1,2,3,4,5,6]"), 0);
   EXPECT_EQ(sent.parameters["angles"], "[0.000000,0.500000,1.000000,1.500000,2.000000,2.500000]");
-  loggedIn = false;
   EXPECT_EQ(robot.RobotLogout(), 0);
   EXPECT_TRUE(controller.ExpectClientClosed());
 }

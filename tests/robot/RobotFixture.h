@@ -22,10 +22,6 @@ protected:
     ASSERT_EQ(login.get(), 0);
     robot.GetClientIP(clientId);
   }
-  // A Robot still logged in would block its own destruction.
-  void TearDown() override {
-    if (loggedIn) robot.RobotLogout();
-  }
 
   template <typename Call>
   static std::future<int> Start(Call call) {
@@ -71,7 +67,6 @@ protected:
   tavsim::ClientMessage hello;
   tavsim::ClientMessage sent;
   std::string clientId;
-  bool loggedIn = true;
 };
 
 #endif

@@ -59,8 +59,6 @@ protected:
     ASSERT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0);
     ASSERT_EQ(robot.Setup("arm", kChannel, Setup_Mode::Virtual), 0);
   }
-  // A Robot still logged in would block its own destruction.
-  void TearDown() override { robot.RobotLogout(); }
 
   std::vector<double> Angles() {
     std::vector<double> angles(kJoints);
@@ -183,7 +181,6 @@ TEST(RobotFaultTest, InjectedFaultsReachTheCallerAsTheLibrarysCodes) {
       code = robot.get_angles(1, angle);
     }
     EXPECT_EQ(code, test.expected) << tavsim::Describe(test.fault);
-    robot.RobotLogout();
   }
   EXPECT_EQ(server.Faults().Fired(), cases.size());
 }
@@ -193,7 +190,7 @@ TEST(RobotMotorCountTest, SetUpDiscoversAsManyMotorsAsTheSimulatorHas) {
     tavsim::ServerOptions options;
     options.controller.motorCount = motors;
     tavsim::SimulatorServer server(options);
-    Robot robot;  // no early return: a Robot must log out before it goes
+    Robot robot;
     EXPECT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0);
     EXPECT_EQ(robot.Setup("arm", kChannel, motors == kJoints ? Setup_Mode::Virtual : Setup_Mode::Real), 0);
     size_t count = 0;
@@ -202,7 +199,38 @@ TEST(RobotMotorCountTest, SetUpDiscoversAsManyMotorsAsTheSimulatorHas) {
     std::vector<int> expected(motors);
     std::iota(expected.begin(), expected.end(), 1);
     EXPECT_EQ(std::vector<int>(ids, ids + count), expected);
-    robot.RobotLogout();
+  }
+}
+
+// Two arms in one process: the failure of one session is its own.
+TEST(RobotArmsTest, OneFailingSessionLeavesTheOtherAnswering) {
+  tavsim::SimulatorServer failingServer;
+  tavsim::SimulatorServer healthyServer;
+  Robot failing;
+  Robot healthy;
+  ASSERT_EQ(failing.RobotLogin("127.0.0.1", PortOf(failingServer)), 0);
+  ASSERT_EQ(healthy.RobotLogin("127.0.0.1", PortOf(healthyServer)), 0);
+  ASSERT_EQ(healthy.Setup("arm", kChannel, Setup_Mode::Virtual), 0);
+  failingServer.Faults().Add(tavsim::Fault::CloseConnection("get_angles"));
+  double angle = 0.0;
+  EXPECT_EQ(failing.get_angles(1, angle), RobotEvents::kReceiveFailed);
+
+  ASSERT_EQ(healthy.move_to_angles(2, -30.0, 200.0f, 400.0f, Relative_Mode::Absolute), 0);
+  ASSERT_EQ(healthy.wait_for_motors(2), 0);
+  EXPECT_EQ(healthy.get_angles(2, angle), 0);
+  EXPECT_NEAR(angle, -30.0, 1e-3);
+  EXPECT_EQ(failing.stop(), RobotEvents::kReceiveFailed) << "the failed session keeps its code";
+}
+
+// The end of each connection stays with it: no login is refused because an earlier connection
+// of the same Robot closed.
+TEST(RobotArmsTest, LoginAndLogoutCyclesOnOneRobotAllSucceed) {
+  tavsim::SimulatorServer server;
+  Robot robot;
+  for (int cycle = 0; cycle < 200; ++cycle) {
+    ASSERT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0) << "cycle " << cycle;
+    ASSERT_EQ(robot.Setup("arm", kChannel, Setup_Mode::Virtual), 0) << "cycle " << cycle;
+    ASSERT_EQ(robot.RobotLogout(), 0);
   }
 }
 

@@ -162,19 +162,4 @@ TEST_F(SimulatorWireTest, MessagesItCannotReadGetAnErrorOrAChecksumStateAndNoCra
   EXPECT_TRUE(WireClient(server.Port()).HeartAnswered()) << "the simulator still serves";
 }
 
-TEST(SimulatorPacingTest, RepliesReadyTogetherAreWrittenApartSoTheClientReadsEachAlone) {
-  tavsim::ServerOptions options;
-  options.writeGap = 200ms;
-  tavsim::SimulatorServer server(options);
-  WireClient client(server.Port());
-  const std::string heart = "<root><heart /></root>";
-  ASSERT_TRUE(client.SendRaw(heart + heart));
-  EXPECT_EQ(client.Peek(), "<root><Heart /></root>") << "one reply at a time";
-  const auto first = std::chrono::steady_clock::now();
-  Message reply;
-  ASSERT_TRUE(client.NextIs("heart", reply));
-  ASSERT_TRUE(client.NextIs("heart", reply));
-  EXPECT_GE(std::chrono::steady_clock::now() - first, 190ms);
-}
-
 }  // namespace

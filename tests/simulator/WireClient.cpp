@@ -6,8 +6,8 @@
 #include <exception>
 
 #include "common/RobotEvent.h"
+#include "core/LoopbackListener.h"
 #include "protocol/Parser.h"
-#include "support/ClientSocket.h"
 
 namespace tavtest {
 
@@ -15,7 +15,7 @@ using ::testing::AssertionFailure;
 using ::testing::AssertionResult;
 using ::testing::AssertionSuccess;
 
-WireClient::WireClient(std::uint16_t port) : connection_(ConnectLoopback(port)) {}
+WireClient::WireClient(std::uint16_t port) : connection_(tavsim::ConnectLoopback(port)) {}
 
 bool WireClient::SendHeart() {
   Message none;

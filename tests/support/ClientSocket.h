@@ -4,15 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdint>
-
-#include "core/UniqueFd.h"
 
 namespace tavtest {
-
-// A plain TCP socket connected to 127.0.0.1:port, for driving a Sender or Receiver directly.
-// Invalid when the connection failed.
-tavsim::UniqueFd ConnectLoopback(std::uint16_t port);
 
 // Waits until the socket queue that ioctl `request` measures is empty: FIONREAD, bytes not yet
 // read from the socket; SIOCOUTQ, bytes written but not yet taken by the peer. Both together

@@ -1,11 +1,29 @@
 #include "support/ProcessProbe.h"
 
 #include <time.h>
+#include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <iterator>
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+// The sanitizer runtimes' public allocator interface; g++ ships no header for it.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+#else
+#include <malloc.h>
+#endif
+
 namespace tavtest {
+
+namespace {
+
+std::size_t EntriesOf(const char* directory) {
+  const std::filesystem::directory_iterator entries(directory);
+  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+}  // namespace
 
 double ProcessCpuSeconds() {
   timespec used{};
@@ -14,8 +32,27 @@ double ProcessCpuSeconds() {
 }
 
 std::size_t ThreadCount() {
-  const std::filesystem::directory_iterator tasks("/proc/self/task");
-  return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+  return EntriesOf("/proc/self/task");
+}
+
+std::size_t OpenDescriptorCount() {
+  return EntriesOf("/proc/self/fd") - 1;
+}
+
+std::size_t HeapBytesInUse() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  return __sanitizer_get_current_allocated_bytes();
+#else
+  const struct mallinfo2 heap = ::mallinfo2();
+  return heap.uordblks + heap.hblkhd;
+#endif
+}
+
+std::size_t ResidentBytes() {
+  std::size_t pages = 0;
+  std::size_t resident = 0;
+  std::ifstream("/proc/self/statm") >> pages >> resident;
+  return resident * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 }
 
 }  // namespace tavtest

@@ -2,6 +2,7 @@
 
 #include <linux/sockios.h>
 #include <sys/ioctl.h>
+#include <sys/socket.h>
 
 #include "support/ClientSocket.h"
 
@@ -21,6 +22,13 @@ std::string Describe(const std::string& text) {
 }
 
 }  // namespace
+
+void ScriptedController::Reset() {
+  if (!connection_) return;
+  const linger abort{1, 0};
+  ::setsockopt(connection_->NativeHandle(), SOL_SOCKET, SO_LINGER, &abort, sizeof abort);
+  connection_->Close();
+}
 
 AssertionResult ScriptedController::Accept(Wait wait) {
   connection_ = listener_.Accept(wait);

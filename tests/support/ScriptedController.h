@@ -65,6 +65,8 @@ public:
   void Close() {
     if (connection_) connection_->Close();
   }
+  // Aborts the connection: the client's next read fails with a reset instead of seeing an end.
+  void Reset();
 
 private:
   Result Connected() const;

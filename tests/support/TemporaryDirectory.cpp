@@ -18,6 +18,23 @@ TemporaryDirectory::~TemporaryDirectory() {
   std::filesystem::remove_all(path_, ignored);
 }
 
+namespace {
+constexpr const char* kExitTestDirectoryVariable = "TAVTEST_EXIT_DIRECTORY";
+}
+
+ExitTestDirectory::ExitTestDirectory() {
+  if (const char* inherited = ::getenv(kExitTestDirectoryVariable)) {
+    path_ = inherited;
+    return;
+  }
+  path_ = owned_.emplace().Path();
+  ::setenv(kExitTestDirectoryVariable, path_.c_str(), 1);
+}
+
+ExitTestDirectory::~ExitTestDirectory() {
+  if (owned_) ::unsetenv(kExitTestDirectoryVariable);
+}
+
 WorkingDirectory::WorkingDirectory(const std::string& directory)
     : previous_(std::filesystem::current_path().string()) {
   std::filesystem::current_path(directory);

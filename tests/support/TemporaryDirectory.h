@@ -1,6 +1,7 @@
 #ifndef TAVTEST_SUPPORT_TEMPORARYDIRECTORY_H
 #define TAVTEST_SUPPORT_TEMPORARYDIRECTORY_H
 
+#include <optional>
 #include <string>
 
 namespace tavtest {
@@ -17,6 +18,23 @@ public:
   const std::string& Path() const { return path_; }
 
 private:
+  std::string path_;
+};
+
+// A temporary directory shared by an exit test and its child process. The child runs the test
+// body again from its start, so the parent makes the directory and hands it on through the
+// environment; the parent alone removes it.
+class ExitTestDirectory {
+public:
+  ExitTestDirectory();
+  ~ExitTestDirectory();
+  ExitTestDirectory(const ExitTestDirectory&) = delete;
+  ExitTestDirectory& operator=(const ExitTestDirectory&) = delete;
+
+  const std::string& Path() const { return path_; }
+
+private:
+  std::optional<TemporaryDirectory> owned_;
   std::string path_;
 };
 

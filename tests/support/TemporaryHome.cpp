@@ -7,9 +7,9 @@
 
 namespace tavtest {
 
-ScopedHome::ScopedHome(const std::string& home) {
+ScopedHome::ScopedHome(const std::optional<std::string>& home) {
   if (const char* current = ::getenv("HOME")) previous_ = current;
-  ::setenv("HOME", home.c_str(), 1);
+  home ? ::setenv("HOME", home->c_str(), 1) : ::unsetenv("HOME");
 }
 
 ScopedHome::~ScopedHome() {

@@ -11,10 +11,11 @@
 
 namespace tavtest {
 
-// Sets HOME for the object's life and puts back what was there, unset included.
+// Sets HOME (or unsets it, for nullopt) for the object's life and puts back what was there,
+// unset included.
 class ScopedHome {
 public:
-  explicit ScopedHome(const std::string& home);
+  explicit ScopedHome(const std::optional<std::string>& home);
   ~ScopedHome();
   ScopedHome(const ScopedHome&) = delete;
   ScopedHome& operator=(const ScopedHome&) = delete;

@@ -1,0 +1,26 @@
+# What `cmake --install` puts under the prefix: the shared library with its version links, the
+# public header and the layer headers it reaches (keeping their folders, so one include path
+# serves), the simulator program, a CMake package and a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TavClient)
+
+install(TARGETS tavclient EXPORT TavClientTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/include/Robot.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tavclient)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tavclient
+  FILES_MATCHING PATTERN "*.h")
+if(TARGET tavsim)
+  install(TARGETS tavsim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+install(EXPORT TavClientTargets NAMESPACE TavClient:: DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/TavClientConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_SOURCE_DIR}/cmake/TavClientConfig.cmake
+  ${PROJECT_BINARY_DIR}/TavClientConfigVersion.cmake DESTINATION ${package_dir})
+
+# The .pc file finds the prefix from its own place, so `--prefix` at install time holds.
+set(pc_prefix /prefix)
+cmake_path(RELATIVE_PATH pc_prefix BASE_DIRECTORY /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/tavclient.pc.in ${PROJECT_BINARY_DIR}/tavclient.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/tavclient.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
