@@ -1,5 +1,6 @@
 // Writes the seed corpora: the messages the library receives, as the simulated controller
-// encodes them for a short session. Usage: fuzz_seeds CORPUS_DIR (creates messages/ in it).
+// encodes them for a short session (messages/), and streams of them cut into reads in the
+// framer harness's chunk format (streams/). Usage: fuzz_seeds CORPUS_DIR
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -8,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "ChunkStream.h"
 #include "core/ControllerReplies.h"
 #include "model/SimulatedController.h"
 #include "server/RequestHandler.h"
@@ -53,6 +55,38 @@ Seeds messages() {
   return seeds;
 }
 
+std::string joined(const Seeds& seeds) {
+  std::string stream;
+  for (const auto& seed : seeds) {
+    stream += seed.second;
+  }
+  return stream;
+}
+
+// Sessions as the Receiver reads them: whole, a byte at a time, after noise, with the tags
+// split between reads, two in one read, and after a message that outgrows the framer's limit.
+Seeds streams(const Seeds& replies) {
+  const std::string session = joined(replies);
+  const std::string heart = tavsim::HeartReplyMessage();
+  const std::string error = tavsim::ErrorMessage(std::to_string(tavsim::ServerCodes::kInjectedError));
+  const std::string login = tavsim::ConnResultMessage("0");
+  const std::string noise(200, 'x');
+  std::string split;
+  for (const std::string& piece : {login.substr(0, 3), login.substr(3, login.size() - 6), login.substr(login.size() - 3)}) {
+    split += WriteChunks(piece, 255);
+  }
+  const std::string oversized = WriteChunks("<root><result1>", 255) + WriteRepeatedChunk(noise, 12) +
+                                WriteRepeatedChunk(noise, 12) + WriteChunks(heart, 255);
+  return {
+      {"session", WriteChunks(session, 255)},
+      {"bytewise", WriteChunks(login + heart, 1)},
+      {"noise-first", WriteChunks(noise + "</root>" + login, 64)},
+      {"split-tags", split},
+      {"two-in-one-read", WriteChunks(heart + error, 255)},
+      {"oversized", oversized},
+  };
+}
+
 bool writeAll(const std::filesystem::path& dir, const Seeds& seeds) {
   std::filesystem::create_directories(dir);
   for (const auto& [name, content] : seeds) {
@@ -74,5 +108,6 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::filesystem::path corpus = argv[1];
-  return writeAll(corpus / "messages", messages()) ? 0 : 1;
+  const Seeds replies = messages();
+  return writeAll(corpus / "messages", replies) && writeAll(corpus / "streams", streams(replies)) ? 0 : 1;
 }

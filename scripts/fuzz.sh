@@ -3,14 +3,14 @@
 # of seconds, each from the committed seeds. Fails on any finding: a crash or sanitizer report,
 # a leak, an input slower than the time-out, or a run past the memory limits. What a harness
 # found is kept under build-fuzz/findings/.
-# Usage: scripts/fuzz.sh [parser|xml|all] [seconds]   (defaults: all, 60)
+# Usage: scripts/fuzz.sh [parser|xml|framer|all] [seconds]   (defaults: all, 60)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 harness=${1:-all}
 seconds=${2:-60}
-all=(parser xml)
-declare -A seeds=([parser]=messages [xml]=messages)
+all=(parser xml framer)
+declare -A seeds=([parser]=messages [xml]=messages [framer]=streams)
 
 if [ "$harness" = all ]; then
   chosen=("${all[@]}")
