@@ -8,16 +8,16 @@
 #include <vector>
 
 // The framer harness's input: a run of chunks, each a length byte L, a repeat byte R and L
-// bytes, which are one read. A repeat byte from 0xF4 up feeds the read 2^(R - 0xF3) times in a
-// row (2 to 4096), so that a few kilobytes of input can stand for a stream past the framer's
-// size limit while most inputs stay small. A short last chunk takes what is left.
+// bytes, which are one read. A repeat byte from 0xFC up feeds the read 2^(R - 0xFB) times in a
+// row (2 to 16), so that a small input can stand for a stream past the harness's size limit
+// while an input of 4 KB feeds at most 64 KB. A short last chunk takes what is left.
 struct Chunk {
   const char* bytes;
   std::size_t size;
   std::size_t times;
 };
 
-constexpr std::uint8_t kRepeatFrom = 0xF4;
+constexpr std::uint8_t kRepeatFrom = 0xFC;
 
 inline std::vector<Chunk> ReadChunks(const std::uint8_t* data, std::size_t size) {
   std::vector<Chunk> chunks;
@@ -32,7 +32,7 @@ inline std::vector<Chunk> ReadChunks(const std::uint8_t* data, std::size_t size)
   return chunks;
 }
 
-// One read of `bytes` (at most 255) fed 2^doublings times (0 to 12 doublings).
+// One read of `bytes` (at most 255) fed 2^doublings times (0 to 4 doublings).
 inline std::string WriteRepeatedChunk(const std::string& bytes, unsigned doublings) {
   const int repeat = doublings == 0 ? 0 : kRepeatFrom + static_cast<int>(doublings) - 1;
   return std::string(1, static_cast<char>(bytes.size())) + static_cast<char>(repeat) + bytes;

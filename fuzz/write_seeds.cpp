@@ -75,8 +75,8 @@ Seeds streams(const Seeds& replies) {
   for (const std::string& piece : {login.substr(0, 3), login.substr(3, login.size() - 6), login.substr(login.size() - 3)}) {
     split += WriteChunks(piece, 255);
   }
-  const std::string oversized = WriteChunks("<root><result1>", 255) + WriteRepeatedChunk(noise, 12) +
-                                WriteRepeatedChunk(noise, 12) + WriteChunks(heart, 255);
+  const std::string oversized = WriteChunks("<root><result1>", 255) + WriteRepeatedChunk(noise, 4) +
+                                WriteChunks(heart, 255);
   return {
       {"session", WriteChunks(session, 255)},
       {"bytewise", WriteChunks(login + heart, 1)},
