@@ -3,7 +3,9 @@
 # project, or, given package names, whatever of those is missing (scripts/docs.sh asks for doxygen).
 set -euo pipefail
 
-packages=(cmake g++ make pkg-config libgtest-dev libgmock-dev libbenchmark-dev valgrind)
+# clang-14 and its runtimes (libFuzzer among them) build the fuzzing harnesses.
+packages=(cmake g++ make pkg-config libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
+          libclang-rt-14-dev)
 [ $# -gt 0 ] && packages=("$@")
 missing=()
 for p in "${packages[@]}"; do

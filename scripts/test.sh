@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the library with its tests and runs them: first the plain
-# build, followed by an application built against an install of it, then the same suite under
-# ThreadSanitizer and under AddressSanitizer with UndefinedBehaviorSanitizer. `--quick` runs
-# the plain build and the application only.
+# build, followed by an application built against an install of it, then each fuzzing harness
+# for a short slot, then the same suite under ThreadSanitizer and under AddressSanitizer with
+# UndefinedBehaviorSanitizer. `--quick` runs the plain build and the application only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
@@ -21,6 +21,7 @@ run_suite build
 echo "== consumer check"
 tests/consumer/consumer_check.sh build
 if [ "${1:-}" != "--quick" ]; then
+  scripts/fuzz.sh all 30
   # Line tables are all a sanitizer report needs; full debug information only slows the build.
   sanitized=(-DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g1 -DNDEBUG")
   run_suite build-tsan -DTAVCLIENT_SANITIZER=thread "${sanitized[@]}"

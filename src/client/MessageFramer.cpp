@@ -43,7 +43,7 @@ int MessageFramer::Next(std::string& message) {
   if (!aligned && !_alignOnOpeningTag()) return RobotEvents::kNoCompleteMessage;
   const std::size_t close = buffer.find(kCloseTag, closeSearchFrom);
   if (close == std::string::npos) {
-    if (buffer.size() > kMaxMessageSize) {
+    if (buffer.size() > limit) {
       Clear();
       return RobotEvents::kDecodeFailed;
     }

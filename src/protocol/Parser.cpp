@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <optional>
 #include <vector>
 
 #include "common/RobotEvent.h"
@@ -14,7 +13,7 @@
 namespace {
 
 using Message = Parser::Message;
-using Element = std::optional<TavXmlElement>;
+using Children = std::vector<TavXmlElement>;
 
 constexpr int kDecodeFailed = RobotEvents::kDecodeFailed;
 
@@ -41,40 +40,35 @@ std::string envelope(TavXmlElement& head, TavXmlElement& body, CheckSum& sum) {
   return root.getElement();
 }
 
-Element parsedRoot(std::string& text) {
-  TavXmlDocument document;
-  if (document.parse(text) != 0) {
-    return std::nullopt;
-  }
-  return document.getRoot();
+// The decoders read the document's tree in place; every pointer and reference they take into it
+// lives no longer than the document. A text that does not parse has no elements.
+const Children kNoChildren;
+
+const Children& topLevel(TavXmlDocument& document, std::string& text) {
+  return document.parse(text) == 0 ? document.rootView().childrenView() : kNoChildren;
 }
 
 // Positions are checked against the children count before indexing, so a short message is
-// rejected rather than read past its end. An absent parent yields an absent child.
-Element childAt(const Element& parent, std::size_t index) {
-  if (!parent) {
-    return std::nullopt;
-  }
-  const std::vector<TavXmlElement> children = parent->getChildren();
-  if (index >= children.size()) {
-    return std::nullopt;
-  }
-  return children[index];
+// rejected rather than read past its end.
+const TavXmlElement* childAt(const Children& children, std::size_t index) {
+  return index < children.size() ? &children[index] : nullptr;
 }
 
-Element childNamed(const Element& parent, std::size_t index, const std::string& name) {
-  Element child = childAt(parent, index);
-  if (child && child->getName() != name) {
-    return std::nullopt;
-  }
-  return child;
+const TavXmlElement* childNamed(const Children& children, std::size_t index, const std::string& name) {
+  const TavXmlElement* child = childAt(children, index);
+  return child != nullptr && child->getName() == name ? child : nullptr;
+}
+
+// An absent parent has no children.
+const Children& childrenOf(const TavXmlElement* parent) {
+  return parent != nullptr ? parent->childrenView() : kNoChildren;
 }
 
 // The declared sum is read as strtol reads it (leading blanks and sign, stops at the first
 // non-digit, no digits is 0); only its low 32 bits are compared.
-bool checksumMatches(const Element& tail, CheckSum& sum) {
-  const Element checksum = childNamed(tail, 0, "checksum");
-  if (!checksum) {
+bool checksumMatches(const TavXmlElement* tail, CheckSum& sum) {
+  const TavXmlElement* checksum = childNamed(childrenOf(tail), 0, "checksum");
+  if (checksum == nullptr) {
     return false;
   }
   const std::string declaredText = checksum->getText();
@@ -145,7 +139,8 @@ int Parser::unwrap(Message& result, std::string& text) {
 }
 
 int Parser::unwrap_Heart(Message& result, std::string& text) {
-  if (!childNamed(parsedRoot(text), 0, "Heart")) {
+  TavXmlDocument document;
+  if (childNamed(topLevel(document, text), 0, "Heart") == nullptr) {
     return kDecodeFailed;
   }
   result["identifier"] = "heart";
@@ -153,13 +148,14 @@ int Parser::unwrap_Heart(Message& result, std::string& text) {
 }
 
 int Parser::unwrap_Error(Message& result, std::string& text) {
-  const Element error = childNamed(parsedRoot(text), 0, "Error");
-  if (!error) {
+  TavXmlDocument document;
+  const TavXmlElement* error = childNamed(topLevel(document, text), 0, "Error");
+  if (error == nullptr) {
     return kDecodeFailed;
   }
   result["identifier"] = "Error";
-  const Element code = childNamed(error, 0, "errorcode");
-  if (!code) {
+  const TavXmlElement* code = childNamed(error->childrenView(), 0, "errorcode");
+  if (code == nullptr) {
     return kDecodeFailed;
   }
   result["errorcode"] = code->getText();
@@ -167,49 +163,51 @@ int Parser::unwrap_Error(Message& result, std::string& text) {
 }
 
 int Parser::unwrap_ConnResult(Message& result, std::string& text) {
-  const Element root = parsedRoot(text);
+  TavXmlDocument document;
+  const Children& top = topLevel(document, text);
   // The identifier element's own name is not checked, only its text.
-  const Element identifier = childAt(childNamed(root, 0, "head"), 0);
-  if (!identifier) {
+  const TavXmlElement* identifier = childAt(childrenOf(childNamed(top, 0, "head")), 0);
+  if (identifier == nullptr) {
     return kDecodeFailed;
   }
   result["identifier"] = identifier->getText();
   if (identifier->getText() != "ConnResult") {
     return kDecodeFailed;
   }
-  const Element value = childNamed(childNamed(root, 1, "ConnResult"), 0, "result");
-  if (!value) {
+  const TavXmlElement* value = childNamed(childrenOf(childNamed(top, 1, "ConnResult")), 0, "result");
+  if (value == nullptr) {
     return kDecodeFailed;
   }
   CheckSum sum;
   result["result"] = value->getText();
   sum.AddElement(value->getText());
-  return checksumMatches(childNamed(root, 2, "tail"), sum) ? 0 : kDecodeFailed;
+  return checksumMatches(childNamed(top, 2, "tail"), sum) ? 0 : kDecodeFailed;
 }
 
 int Parser::unwrap_Msg(Message& result, std::string& text) {
-  const Element root = parsedRoot(text);
-  const Element head = childNamed(root, 0, "head");
-  const Element state = childNamed(head, 1, "state");
-  if (!childNamed(head, 0, "timestamp") || !state) {
+  TavXmlDocument document;
+  const Children& top = topLevel(document, text);
+  const Children& head = childrenOf(childNamed(top, 0, "head"));
+  const TavXmlElement* state = childNamed(head, 1, "state");
+  if (childNamed(head, 0, "timestamp") == nullptr || state == nullptr) {
     return kDecodeFailed;
   }
   result["state"] = state->getText();
-  const Element values = childNamed(root, 1, "result");
-  if (!values) {
+  const TavXmlElement* values = childNamed(top, 1, "result");
+  if (values == nullptr) {
     return kDecodeFailed;
   }
   CheckSum sum;
-  for (const TavXmlElement& value : values->getChildren()) {
+  for (const TavXmlElement& value : values->childrenView()) {
     result[value.getName()] = value.getText();
     sum.AddElement(value.getText());
   }
-  const Element matching = childNamed(root, 2, "taskmatching");
-  const Element stamp = childNamed(matching, 0, "timestamp");
-  const Element function = childNamed(matching, 1, "name");
-  if (!stamp || !function) {
+  const Children& matching = childrenOf(childNamed(top, 2, "taskmatching"));
+  const TavXmlElement* stamp = childNamed(matching, 0, "timestamp");
+  const TavXmlElement* function = childNamed(matching, 1, "name");
+  if (stamp == nullptr || function == nullptr) {
     return kDecodeFailed;
   }
   result["identifier"] = function->getText() + stamp->getText();
-  return checksumMatches(childNamed(root, 3, "tail"), sum) ? 0 : kDecodeFailed;
+  return checksumMatches(childNamed(top, 3, "tail"), sum) ? 0 : kDecodeFailed;
 }

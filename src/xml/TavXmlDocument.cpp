@@ -1,5 +1,8 @@
 #include "xml/TavXmlDocument.h"
 
+#include <stdexcept>
+#include <utility>
+
 TavXmlDocument::TavXmlDocument() = default;
 
 int TavXmlDocument::parse(std::string& text) {
@@ -8,6 +11,10 @@ int TavXmlDocument::parse(std::string& text) {
 }
 
 TavXmlElement TavXmlDocument::getRoot() {
+  return root;
+}
+
+const TavXmlElement& TavXmlDocument::rootView() const {
   return root;
 }
 
@@ -41,66 +48,91 @@ TavXmlElement TavXmlDocument::_getElement(std::string& text, std::string name) {
 
 // Name lengths are counted from the start of the remaining text, not from the "<", so the
 // names come out right only for siblings written back to back from position 0 ("<a />" with
-// its one blank, or "<a>...</a>"). Each step cuts the remaining text behind the tag it read.
+// its one blank, or "<a>...</a>"). Each step cuts the remaining text behind the tag it read;
+// a cut past the end throws std::out_of_range as a substring would.
+//
+// The remaining text is text[from, end): positions are taken relative to it, as the steps
+// read them, but searched in place. The first "/>" ahead and the last "<" before it stay put
+// until a cut passes them, so each is searched for once rather than on every step.
 int TavXmlDocument::_getElementNameVector(std::string& text, std::vector<std::string>& names) {
+  constexpr std::size_t npos = std::string::npos;
   names.clear();
-  std::string rest = text;
-  for (;;) {
-    const std::size_t tagStart = rest.find('<');
-    const std::size_t selfCloseAt = rest.find("/>");
-    const std::size_t lastStartBefore = rest.rfind('<', selfCloseAt);
-    if (lastStartBefore != std::string::npos && lastStartBefore == tagStart &&
-        tagStart != std::string::npos) {
-      const std::string name = rest.substr(tagStart + 1, selfCloseAt - 2);
-      names.push_back(name);
-      const std::string tag = "<" + name + " " + "/>";
-      rest = rest.substr(rest.find(tag) + tag.length());
+  if (text.find('<') == npos) {
+    return 1;
+  }
+  std::size_t from = 0;
+  const auto relative = [&from](std::size_t position) { return position == npos ? npos : position - from; };
+  const auto cut = [&](std::size_t count) {
+    if (count > text.size() - from) {
+      throw std::out_of_range("basic_string::assign");
     }
-    const std::size_t tagEnd = rest.find('>');
-    if (tagEnd == std::string::npos || tagStart == std::string::npos) {
+    from += count;
+  };
+  std::size_t selfClose = text.find("/>");
+  std::size_t lastStart = text.rfind('<', selfClose);
+  for (;;) {
+    const std::size_t tagStart = relative(text.find('<', from));
+    if (selfClose != npos && selfClose < from) {
+      selfClose = text.find("/>", from);
+      lastStart = text.rfind('<', selfClose);
+    }
+    const std::size_t selfCloseAt = relative(selfClose);
+    const std::size_t lastStartBefore = lastStart == npos || lastStart < from ? npos : lastStart - from;
+    if (lastStartBefore != npos && lastStartBefore == tagStart && tagStart != npos) {
+      std::string name = text.substr(from + tagStart + 1, selfCloseAt - 2);
+      const std::string tag = "<" + name + " " + "/>";
+      names.push_back(std::move(name));
+      cut(relative(text.find(tag, from)) + tag.length());
+    }
+    const std::size_t tagEnd = relative(text.find('>', from));
+    if (tagEnd == npos || tagStart == npos) {
       break;
     }
-    const std::string name = rest.substr(tagStart + 1, tagEnd - 1);
-    names.push_back(name);
+    std::string name = text.substr(from + tagStart + 1, tagEnd - 1);
     const std::string closeTag = "</" + name + ">";
-    rest = rest.substr(rest.find(closeTag) + closeTag.length());
+    names.push_back(std::move(name));
+    cut(relative(text.find(closeTag, from)) + closeTag.length());
   }
   return names.empty() ? 1 : 0;
 }
 
 namespace {
 
-// Characters of element text one parse may build per character of its input.
-constexpr std::size_t kTextPerInputChar = 64;
+// Characters of element text one parse may build below the root per character of its input.
+// Each level of a tree holds at most its parent's text, so the controller's messages, two
+// levels deep below the root, spend at most twice their length; every character allowed beyond
+// that is work a malformed text can make us do.
+constexpr std::size_t kTextPerInputChar = 4;
 
 }  // namespace
 
 int TavXmlDocument::_recursionParse(TavXmlElement& element) {
-  std::size_t budget = kTextPerInputChar * (element.getText().length() + 1);
-  return _recursionParse(element, budget);
+  std::string text = element.getText();
+  std::size_t budget = kTextPerInputChar * (text.length() + 1);
+  return _recursionParse(element, text, budget);
 }
 
 // Each child is searched by name in the parent's whole text, so repeated names all read the
 // first element of that name. Every child built spends its text length from the budget, which
 // also bounds the recursion depth, since a parent's text holds all of its descendants' texts.
-int TavXmlDocument::_recursionParse(TavXmlElement& element, std::size_t& budget) {
-  std::string text = element.getText();
+int TavXmlDocument::_recursionParse(TavXmlElement& element, std::string& text, std::size_t& budget) {
   std::vector<std::string> names;
   if (_getElementNameVector(text, names) != 0) {
     return 0;
   }
   for (const std::string& name : names) {
     TavXmlElement child = _getElement(text, name);
-    const std::size_t cost = child.getText().length() + 1;
+    std::string childText = child.getText();
+    const std::size_t cost = childText.length() + 1;
     if (cost > budget) {
       return kTreeTooLarge;
     }
     budget -= cost;
-    const int status = _recursionParse(child, budget);
+    const int status = _recursionParse(child, childText, budget);
     if (status != 0) {
       return status;
     }
-    element.setChildren(child);
+    element.setChildren(std::move(child));
   }
   return 0;
 }

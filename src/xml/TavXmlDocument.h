@@ -25,6 +25,8 @@ public:
 
   int parse(std::string& text);
   TavXmlElement getRoot();
+  // The root without a copy; valid until the next parse or the document's end.
+  const TavXmlElement& rootView() const;
   int generate(TavXmlElement& element);
   std::string getString();
 
@@ -33,7 +35,8 @@ public:
   int _recursionParse(TavXmlElement& element);
 
 private:
-  int _recursionParse(TavXmlElement& element, std::size_t& budget);
+  // `text` is the element's text, read once by the caller.
+  int _recursionParse(TavXmlElement& element, std::string& text, std::size_t& budget);
 
   std::string documentText;
   TavXmlElement root;

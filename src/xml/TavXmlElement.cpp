@@ -36,8 +36,8 @@ void TavXmlElement::setName(std::string newName) {
 }
 
 void TavXmlElement::setText(std::string newText) {
-  text = newText;
   element.insert(openEndPos + 1, newText);
+  text = std::move(newText);
   _updateXMLParam();
 }
 
@@ -49,6 +49,10 @@ void TavXmlElement::linkText(std::string appended) {
 
 void TavXmlElement::setChildren(TavXmlElement& child) {
   children.push_back(child);
+}
+
+void TavXmlElement::setChildren(TavXmlElement&& child) {
+  children.push_back(std::move(child));
 }
 
 std::string TavXmlElement::getElement() {
@@ -67,6 +71,10 @@ std::string TavXmlElement::getText() const {
 }
 
 std::vector<TavXmlElement> TavXmlElement::getChildren() const {
+  return children;
+}
+
+const std::vector<TavXmlElement>& TavXmlElement::childrenView() const {
   return children;
 }
 

@@ -16,17 +16,23 @@ public:
   explicit TavXmlElement(std::string name);
   TavXmlElement(const TavXmlElement& other);
   TavXmlElement& operator=(const TavXmlElement& other) = default;
+  // Moves let the parser hand built subtrees up and grow child lists without deep copies.
+  TavXmlElement(TavXmlElement&& other) noexcept = default;
+  TavXmlElement& operator=(TavXmlElement&& other) noexcept = default;
   ~TavXmlElement();
 
   void setName(std::string newName);
   void setText(std::string newText);
   void linkText(std::string appended);
   void setChildren(TavXmlElement& child);
+  void setChildren(TavXmlElement&& child);
 
   std::string getElement();
   std::string getName() const;
   std::string getText() const;
   std::vector<TavXmlElement> getChildren() const;
+  // The same children without a copy, for readers that only look.
+  const std::vector<TavXmlElement>& childrenView() const;
 
   void _updateXMLParam();
 

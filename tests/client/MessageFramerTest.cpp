@@ -48,6 +48,16 @@ TEST(MessageFramerTest, AMessageThatNeverEndsIsRefusedAndItsMemoryDropped) {
   EXPECT_EQ(Feed(framer, "<root></root>", 13), std::vector<std::string>{"<root></root>"}) << "framing goes on";
 }
 
+TEST(MessageFramerTest, AGivenLimitIsTheOneRefusedPast) {
+  MessageFramer framer(16);
+  std::string message;
+  framer.Append("<root>0123456789", 16);
+  EXPECT_EQ(framer.Next(message), RobotEvents::kNoCompleteMessage) << "at the limit";
+  framer.Append("x", 1);
+  EXPECT_EQ(framer.Next(message), RobotEvents::kDecodeFailed);
+  EXPECT_EQ(framer.Buffered(), 0u);
+}
+
 // Rescanning the whole buffer on every read would make this quadratic: minutes instead of
 // milliseconds, caught by the test time-out.
 TEST(MessageFramerTest, ABigMessageInTinyPiecesIsScannedOnce) {

@@ -1,0 +1,50 @@
+#ifndef TAVCLIENT_FUZZ_CHUNKSTREAM_H
+#define TAVCLIENT_FUZZ_CHUNKSTREAM_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// The framer harness's input: a run of chunks, each a length byte L, a repeat byte R and L
+// bytes, which are one read. A repeat byte from 0xFC up feeds the read 2^(R - 0xFB) times in a
+// row (2 to 16), so that a small input can stand for a stream past the harness's size limit
+// while an input of 4 KB feeds at most 64 KB. A short last chunk takes what is left.
+struct Chunk {
+  const char* bytes;
+  std::size_t size;
+  std::size_t times;
+};
+
+constexpr std::uint8_t kRepeatFrom = 0xFC;
+
+inline std::vector<Chunk> ReadChunks(const std::uint8_t* data, std::size_t size) {
+  std::vector<Chunk> chunks;
+  std::size_t at = 0;
+  while (size - at >= 2) {
+    const std::size_t length = std::min<std::size_t>(data[at], size - at - 2);
+    const std::uint8_t repeat = data[at + 1];
+    const std::size_t times = repeat < kRepeatFrom ? 1 : std::size_t{1} << (repeat - kRepeatFrom + 1);
+    chunks.push_back({reinterpret_cast<const char*>(data) + at + 2, length, times});
+    at += 2 + length;
+  }
+  return chunks;
+}
+
+// One read of `bytes` (at most 255) fed 2^doublings times (0 to 4 doublings).
+inline std::string WriteRepeatedChunk(const std::string& bytes, unsigned doublings) {
+  const int repeat = doublings == 0 ? 0 : kRepeatFrom + static_cast<int>(doublings) - 1;
+  return std::string(1, static_cast<char>(bytes.size())) + static_cast<char>(repeat) + bytes;
+}
+
+// `stream` cut into reads of `readSize` bytes (at most 255), each fed once.
+inline std::string WriteChunks(const std::string& stream, std::size_t readSize) {
+  std::string out;
+  for (std::size_t at = 0; at < stream.size(); at += readSize) {
+    out += WriteRepeatedChunk(stream.substr(at, readSize), 0);
+  }
+  return out;
+}
+
+#endif
