@@ -1,5 +1,6 @@
 #include "xml/TavXmlDocument.h"
 
+#include <cstring>
 #include <stdexcept>
 #include <utility>
 
@@ -27,21 +28,50 @@ std::string TavXmlDocument::getString() {
   return std::string();
 }
 
+namespace {
+
+// Whether `head`, `name` and `tail` are written one after the other at `at` in `text`.
+template <std::size_t HeadSize, std::size_t TailSize>
+bool TagAt(const std::string& text, std::size_t at, const char (&head)[HeadSize], const std::string& name,
+           const char (&tail)[TailSize]) {
+  constexpr std::size_t headLength = HeadSize - 1;
+  constexpr std::size_t tailLength = TailSize - 1;
+  const char* const written = text.data() + at;
+  return text.size() - at >= headLength + name.size() + tailLength &&
+         std::memcmp(written, head, headLength) == 0 &&
+         std::memcmp(written + headLength, name.data(), name.size()) == 0 &&
+         std::memcmp(written + headLength + name.size(), tail, tailLength) == 0;
+}
+
+}  // namespace
+
 // Takes the characters between the first open tag and the first close tag of that name. The
 // arithmetic is unsigned on purpose: a missing open tag wraps the start to (open tag length
 // - 1), a missing close tag runs the content to the end, and a start past the end throws.
+//
+// The three tags all begin with "<", so one walk over the "<"s finds the first of each: a
+// self-closing tag anywhere wins, otherwise the first open and close tags give the content.
 TavXmlElement TavXmlDocument::_getElement(std::string& text, std::string name) {
+  constexpr std::size_t npos = std::string::npos;
   TavXmlElement found;
   found.setName(name);
-  if (text.find("<" + name + " " + "/>") != std::string::npos) {
-    return found;
+  std::size_t openAt = npos;
+  std::size_t closeAt = npos;
+  for (std::size_t at = text.find('<'); at != npos; at = text.find('<', at + 1)) {
+    if (TagAt(text, at, "<", name, " />")) {
+      return found;
+    }
+    if (openAt == npos && TagAt(text, at, "<", name, ">")) {
+      openAt = at;
+    }
+    if (closeAt == npos && TagAt(text, at, "</", name, ">")) {
+      closeAt = at;
+    }
   }
-  const std::string openTag = "<" + name + ">";
-  const std::string closeTag = "</" + name + ">";
-  const std::size_t openAt = text.find(openTag);
-  const std::size_t closeAt = text.find(closeTag);
-  const std::size_t start = openAt + openTag.length();
-  const std::size_t count = closeAt - closeTag.length() + 1 - openAt;
+  const std::size_t openTagLength = name.size() + 2;
+  const std::size_t closeTagLength = name.size() + 3;
+  const std::size_t start = openAt + openTagLength;
+  const std::size_t count = closeAt - closeTagLength + 1 - openAt;
   found.setText(text.substr(start, count));
   return found;
 }
