@@ -180,35 +180,4 @@ TEST(ClientLifecycleTest, AResetSeenByBothWorkersIsReportedOnce) {
   EXPECT_EQ(::testing::internal::GetCapturedStdout(), "call back " + std::to_string(failed) + "\n");
 }
 
-// A server that closes while a call waits fails the call at once and quietly; the Clients made
-// afterwards connect, and their construct/connect/disconnect/destroy cycles leave no thread behind.
-TEST(ClientLifecycleTest, ServerClosingFailsAWaitingCallPromptlyAndLaterCyclesLeaveNoThread) {
-  const std::size_t baseline = ThreadsWithLoggerRunning();
-  tavtest::ScriptedController controller;
-  {
-    Client client;
-    ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
-    ASSERT_TRUE(controller.Accept());
-    const std::size_t linesBefore = tavtest::LogLines(::getenv("HOME")).size();
-    Message result;
-    const auto [waited, late] = GetResultAcross(client, "recover1", result, 300ms, [&] { controller.Close(); });
-    EXPECT_EQ(RobotEvents::kReceiveFailed, waited);
-    EXPECT_LT(late, 1s);
-    EXPECT_EQ(RobotEvents::kReceiveFailed, client.AddTasks(CommandTask("recover", 2)));
-    std::this_thread::sleep_for(1s);  // room for a runaway receiver to flood the log
-    EXPECT_LT(tavtest::LogLines(::getenv("HOME")).size(), linesBefore + 20);
-    client.FinalizeSocket();
-  }
-  const auto start = Clock::now();
-  { Client constructedOnly; }
-  EXPECT_LT(Clock::now() - start, 500ms) << "a Client destroyed right after construction returns at once";
-  for (int cycle = 0; cycle < 20; ++cycle) {
-    Client client;
-    ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg())) << cycle;
-    ASSERT_TRUE(controller.Accept()) << cycle;
-    client.FinalizeSocket();
-  }
-  EXPECT_TRUE(ThreadCountReturnsTo(baseline)) << tavtest::ThreadCount() << " threads, " << baseline << " expected";
-}
-
 }  // namespace
