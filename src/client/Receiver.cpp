@@ -40,9 +40,9 @@ void Receiver::Expect(const std::string& name) {
 int Receiver::WaitRecv(const std::string& name, Message& result, const std::function<bool()>& abandon,
                        Clock::time_point deadline) {
   std::unique_lock<std::mutex> lock(storeMutex);
-  const Waiter filed = std::make_shared<std::condition_variable>();
-  const auto registration = waiters.emplace(name, filed);
-  filed->wait_until(lock, deadline, [&] { return store.count(name) != 0 || abandon(); });
+  std::condition_variable filed;
+  const auto registration = waiters.emplace(name, &filed);
+  filed.wait_until(lock, deadline, [&] { return store.count(name) != 0 || abandon(); });
   waiters.erase(registration);
   if (_takeLocked(name, result) == RobotEvents::kSuccess) {
     return RobotEvents::kSuccess;
@@ -56,15 +56,6 @@ void Receiver::WakeWaiters() {
   for (const auto& [name, waiter] : waiters) {
     waiter->notify_all();
   }
-}
-
-std::vector<Receiver::Waiter> Receiver::_waitersOfLocked(const std::string& name) const {
-  std::vector<Waiter> found;
-  const auto [first, last] = waiters.equal_range(name);
-  for (auto waiter = first; waiter != last; ++waiter) {
-    found.push_back(waiter->second);
-  }
-  return found;
 }
 
 int Receiver::_takeLocked(const std::string& name, Message& result) {
@@ -190,25 +181,22 @@ int Receiver::_decode(Message& result, std::string& message) {
 
 void Receiver::_file(const std::string& name, const Message& result) {
   TavLogger& logger = TavLogger::GetInstance();
-  std::vector<Waiter> toWake;
-  {
-    std::lock_guard<std::mutex> lock(storeMutex);
-    if (abandoned.erase(name) != 0) {
-      logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped a %s msg nobody waits for.",
-                     name.c_str());
-      return;
-    }
-    if (store.count(name) != 0) {
-      return;
-    }
-    const std::string dropped = _addBounded(store, name, result, ++filings, kMaxUnclaimedReplies);
-    if (!dropped.empty()) {
-      logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped an uncollected %s msg.",
-                     dropped.c_str());
-    }
-    toWake = _waitersOfLocked(name);
+  std::lock_guard<std::mutex> lock(storeMutex);
+  if (abandoned.erase(name) != 0) {
+    logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped a %s msg nobody waits for.",
+                   name.c_str());
+    return;
   }
-  for (const Waiter& waiter : toWake) {
-    waiter->notify_all();
+  if (store.count(name) != 0) {
+    return;
+  }
+  const std::string dropped = _addBounded(store, name, result, ++filings, kMaxUnclaimedReplies);
+  if (!dropped.empty()) {
+    logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped an uncollected %s msg.",
+                   dropped.c_str());
+  }
+  const auto [first, last] = waiters.equal_range(name);
+  for (auto waiter = first; waiter != last; ++waiter) {
+    waiter->second->notify_all();
   }
 }

@@ -6,10 +6,8 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include "MessageFramer.h"
 #include "SocketWorker.h"
@@ -62,10 +60,9 @@ private:
     std::uint64_t order;
   };
   using Entries = std::map<std::string, Entry>;
-  // A caller in WaitRecv. Each has its own condition variable, so that a filed reply wakes its
-  // caller alone rather than every caller of the session; shared, so that it can be notified
-  // after the store's lock is released even if its caller has gone by then.
-  using Waiter = std::shared_ptr<std::condition_variable>;
+  // A caller in WaitRecv, on its own condition variable, so that a filed reply wakes its caller
+  // alone rather than every caller of the session. Registered and notified under storeMutex.
+  using Waiter = std::condition_variable*;
 
   // Cuts, decodes and files or reports every complete message of the stream buffer.
   void _handleStream();
@@ -74,7 +71,6 @@ private:
   void _stopForGood(Robot_Event event, const char* line);
   int _decode(Message& result, std::string& message);
   void _file(const std::string& name, const Message& result);
-  std::vector<Waiter> _waitersOfLocked(const std::string& name) const;
   int _takeLocked(const std::string& name, Message& result);
   // Adds an entry, dropping the oldest beyond `limit`; returns the name dropped, if any.
   static std::string _addBounded(Entries& entries, const std::string& name, Message message,
