@@ -52,15 +52,4 @@ TEST(MessageFramerTest, AMessageThatNeverEndsIsRefusedAndItsMemoryDropped) {
       << "framing goes on";
 }
 
-// Rescanning the whole buffer on every read would make this quadratic: minutes instead of
-// milliseconds, caught by the test time-out.
-TEST(MessageFramerTest, ABigMessageInTinyPiecesIsScannedOnce) {
-  const std::string big =
-      "<root>" + std::string(MessageFramer::kMaxMessageSize - 100, 'y') + "</root>";
-  MessageFramer framer;
-  const std::vector<std::string> messages = Feed(framer, big, 1);
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_EQ(messages[0].size(), big.size());
-}
-
 }  // namespace

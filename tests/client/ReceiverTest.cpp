@@ -40,17 +40,9 @@ protected:
   }
 };
 
-TEST_F(ReceiverTest, FramesSplitMessagesAndFilesEveryMessageOfARead) {
-  const std::string angles = Reply("11", "get_angles", "0", {{"result1", "1.5,2.5"}});
-  ASSERT_TRUE(SendAsOneRead("noise before the tag" + angles.substr(0, 10)));
-  ASSERT_TRUE(SendAsOneRead(angles.substr(10, 30)));
-  ASSERT_TRUE(SendAsOneRead(angles.substr(40)));
+// Both in one write and nothing after them: neither may wait for a later read.
+TEST_F(ReceiverTest, FilesEveryMessageOfARead) {
   Message result;
-  ASSERT_EQ(RobotEvents::kSuccess, Collect("get_angles11", result));
-  EXPECT_EQ((Message{{"identifier", "get_angles11"}, {"state", "0"}, {"result1", "1.5,2.5"}}),
-            result);
-
-  // Both in one write and nothing after them: neither may wait for a later read.
   ASSERT_TRUE(SendAsOneRead(Reply("1", "recover") + Reply("2", "stop")));
   ASSERT_EQ(RobotEvents::kSuccess, Collect("recover1", result));
   EXPECT_EQ(RobotEvents::kSuccess, Collect("stop2", result, 1s));

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <future>
@@ -125,27 +124,6 @@ TEST_F(RobotSessionTest, LogoutFromAnotherThreadReleasesAWaitingCall) {
   EXPECT_LT(Clock::now() - logout, 100ms);
   EXPECT_EQ(query.get(), RobotEvents::kReceiveFailed);
   EXPECT_TRUE(LogIn(robot)) << "a released call leaves the session healthy";
-}
-
-TEST_F(RobotSessionTest, TheReplyTimeoutBoundsAWaitAndLeavesTheSessionUsable) {
-  for (const double refused : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
-    EXPECT_EQ(robot.SetReplyTimeout(refused), RobotEvents::kInvalidArgument) << refused;
-  }
-  ASSERT_EQ(robot.SetReplyTimeout(0.3), 0);
-  ASSERT_TRUE(LogIn(robot));
-  const auto start = Clock::now();
-  std::future<int> query = PendingQuery();
-  EXPECT_EQ(query.get(), RobotEvents::kReplyTimeout);
-  const auto waited = Clock::now() - start;
-  EXPECT_GE(waited, 300ms);
-  EXPECT_LT(waited, 400ms);
-
-  // The late reply is dropped; the next call gets its own.
-  ASSERT_TRUE(controller.Reply(pending, "0", {{"result1", "[666]"}}));
-  std::future<int> next = PendingQuery();
-  ASSERT_TRUE(controller.Reply(pending, "0", {{"result1", "[1]"}}));
-  EXPECT_EQ(next.get(), 0);
-  EXPECT_EQ(angle, 1.0);
 }
 
 // Failed connects close their sockets, and a second logout closes nothing: the number of the
