@@ -18,7 +18,7 @@ constexpr Robot_Event kReplyTimeout = 1003031;        // no reply within 3600 se
 constexpr Robot_Event kSocketSetupFailed = 1004011;   // socket() failed or the address is bad
 constexpr Robot_Event kConnectFailed = 1004021;       // connect() failed
 constexpr Robot_Event kResourceFailed = 1005011;      // directory, properties file or key
-// SetReplyTimeout refused a non-positive or non-finite value; the previous setting is kept.
+// A setter (SetReplyTimeout, SetLogLevel) refused its value; the previous setting is kept.
 constexpr Robot_Event kInvalidArgument = 1006011;
 
 // Every code above, so that whatever must cover them all (their texts) can walk them.
