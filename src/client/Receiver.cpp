@@ -10,11 +10,13 @@
 #include "common/TavLogger.h"
 #include "common/TavUtils.h"
 
-Receiver::Receiver() : SocketWorker("Receiver thread setup succeed.", "Receiver thread shutdown succeed.") {}
+Receiver::Receiver()
+    : SocketWorker("Receiver thread setup succeed.", "Receiver thread shutdown succeed.") {}
 
 Receiver::~Receiver() {
   _requestStop();
   Join();
+  _logHeldCounts(true);
 }
 
 void Receiver::Stop() {
@@ -22,9 +24,7 @@ void Receiver::Stop() {
   Join();
 }
 
-int Receiver::_GenerateMsg(std::string& message) {
-  return framer.Next(message);
-}
+int Receiver::_GenerateMsg(std::string& message) { return framer.Next(message); }
 
 int Receiver::GetRecv(std::string name, Message& result) {
   std::lock_guard<std::mutex> lock(storeMutex);
@@ -35,10 +35,11 @@ void Receiver::Expect(const std::string& name) {
   std::lock_guard<std::mutex> lock(storeMutex);
   store.erase(name);
   abandoned.erase(name);
+  _addBounded(announced, name, {}, ++filings, kMaxUnclaimedReplies);
 }
 
-int Receiver::WaitRecv(const std::string& name, Message& result, const std::function<bool()>& abandon,
-                       Clock::time_point deadline) {
+int Receiver::WaitRecv(const std::string& name, Message& result,
+                       const std::function<bool()>& abandon, Clock::time_point deadline) {
   std::unique_lock<std::mutex> lock(storeMutex);
   std::condition_variable filed;
   const auto registration = waiters.emplace(name, &filed);
@@ -68,6 +69,16 @@ int Receiver::_takeLocked(const std::string& name, Message& result) {
   return RobotEvents::kSuccess;
 }
 
+void Receiver::_logHeldCounts(bool evenWithinTheSecond) {
+  for (RepeatSummary* summary : {&unasked, &uncollected, &incomplete, &unreadable}) {
+    if (evenWithinTheSecond) {
+      summary->Flush();
+    } else {
+      summary->Tick();
+    }
+  }
+}
+
 std::string Receiver::_addBounded(Entries& entries, const std::string& name, Message message,
                                   std::uint64_t order, std::size_t limit) {
   entries[name] = Entry{std::move(message), order};
@@ -76,7 +87,8 @@ std::string Receiver::_addBounded(Entries& entries, const std::string& name, Mes
   }
   auto oldest = entries.begin();
   for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
-    if (entry->second.order < oldest->second.order) oldest = entry;
+    if (entry->second.order < oldest->second.order)
+      oldest = entry;
   }
   std::string dropped = oldest->first;
   entries.erase(oldest);
@@ -102,6 +114,7 @@ bool Receiver::_work() {
   // A closed peer sends nothing more and a failed read is not retried: either ends this
   // connection, reported once, and the Receiver waits unloaded for a new one.
   if (received <= 0) {
+    _logHeldCounts(true);
     if (_isCurrent(load)) {
       TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kReceiveFailed,
                                      received == 0 ? "Receiver thread connection closed by peer."
@@ -118,6 +131,7 @@ bool Receiver::_work() {
   }
   framer.Append(receiveBuffer, static_cast<std::size_t>(received));
   _handleStream();
+  _logHeldCounts(false);
   return true;
 }
 
@@ -134,7 +148,9 @@ void Receiver::_handleStream() {
   if (generated == RobotEvents::kDecodeFailed) {
     _stopForGood(generated, "Receiver thread message too long.");
   } else if (!handledAny) {
-    TavLogger::GetInstance().Warning(generated, "Receiver thread generate failed.");
+    if (incomplete.Admit()) {
+      TavLogger::GetInstance().Warning(generated, "Receiver thread generate failed.");
+    }
     status = generated;
   }
 }
@@ -151,18 +167,21 @@ bool Receiver::_handleMessage(std::string& message) {
   if (name == "Error") {
     // An error that names no code must still fail the session: as a status, 0 would mean success.
     Robot_Event event = GetRobotEvent(result["errorcode"]);
-    if (event == RobotEvents::kSuccess) event = RobotEvents::kDecodeFailed;
+    if (event == RobotEvents::kSuccess)
+      event = RobotEvents::kDecodeFailed;
     logger.Error(TAV_ERROR, event, "Receiver thread recv an error from KestServer.");
     _report(event);
     return true;
   }
-  logger.Info("Receiver thread recv a %s msg", name.c_str());
   _file(name, result);
   return true;
 }
 
 void Receiver::_stopForGood(Robot_Event event, const char* line) {
-  TavLogger::GetInstance().Error(TAV_ERROR, event, line);
+  if (unreadable.Admit()) {
+    TavLogger::GetInstance().Error(TAV_ERROR, event, line);
+  }
+  _logHeldCounts(true);
   framer.Clear();
   _report(event);
   Unload();
@@ -182,6 +201,12 @@ int Receiver::_decode(Message& result, std::string& message) {
 void Receiver::_file(const std::string& name, const Message& result) {
   TavLogger& logger = TavLogger::GetInstance();
   std::lock_guard<std::mutex> lock(storeMutex);
+  if (announced.erase(name) != 0 || waiters.count(name) != 0) {
+    logger.Info("Receiver thread recv a %s msg", name.c_str());
+  } else if (unasked.Admit()) {
+    logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread recv a %s msg nobody asked for.",
+                   name.c_str());
+  }
   if (abandoned.erase(name) != 0) {
     logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped a %s msg nobody waits for.",
                    name.c_str());
@@ -191,7 +216,7 @@ void Receiver::_file(const std::string& name, const Message& result) {
     return;
   }
   const std::string dropped = _addBounded(store, name, result, ++filings, kMaxUnclaimedReplies);
-  if (!dropped.empty()) {
+  if (!dropped.empty() && uncollected.Admit()) {
     logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped an uncollected %s msg.",
                    dropped.c_str());
   }

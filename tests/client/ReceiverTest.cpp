@@ -2,23 +2,31 @@
 #include <sys/ioctl.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <regex>
 #include <string>
+#include <vector>
 
 #include "Commands.h"
 #include "WorkerFixture.h"
 #include "client/MessageFramer.h"
 #include "client/Receiver.h"
 #include "common/RobotEvent.h"
+#include "common/TavLogger.h"
+#include "common/TavResource.h"
 #include "core/ControllerReplies.h"
 #include "support/ClientSocket.h"
+#include "support/Polling.h"
+#include "support/TemporaryHome.h"
 
 using namespace std::chrono_literals;
-using ::testing::AssertionResult;
 using tavsim::CommandReplyMessage;
+using ::testing::AssertionResult;
 
 namespace {
 
-std::string Reply(const std::string& timestamp, const std::string& name, const std::string& state = "0",
+std::string Reply(const std::string& timestamp, const std::string& name,
+                  const std::string& state = "0",
                   const tavtest::ScriptedController::Results& results = {}) {
   return CommandReplyMessage({timestamp, name, state, results});
 }
@@ -28,12 +36,14 @@ protected:
   // Writes `bytes` and waits until the Receiver has taken them, so they make exactly one read.
   AssertionResult SendAsOneRead(const std::string& bytes) {
     AssertionResult sent = controller.Send(bytes);
-    if (sent) sent = controller.WaitDelivered();
+    if (sent)
+      sent = controller.WaitDelivered();
     return sent ? tavtest::WaitQueueEmpty(socket.Get(), FIONREAD, 5s) : sent;
   }
 
   int Collect(const std::string& name, Message& result, std::chrono::milliseconds wait = 5s) {
-    return worker->WaitRecv(name, result, [] { return false; }, Receiver::Clock::now() + wait);
+    return worker->WaitRecv(
+        name, result, [] { return false; }, Receiver::Clock::now() + wait);
   }
 
   // The message is reported as unreadable and stops the Receiver for good: loaded again, it
@@ -56,7 +66,8 @@ TEST_F(ReceiverTest, FramesSplitMessagesAndFilesEveryMessageOfARead) {
   ASSERT_TRUE(SendAsOneRead(angles.substr(40)));
   Message result;
   ASSERT_EQ(RobotEvents::kSuccess, Collect("get_angles11", result));
-  EXPECT_EQ((Message{{"identifier", "get_angles11"}, {"state", "0"}, {"result1", "1.5,2.5"}}), result);
+  EXPECT_EQ((Message{{"identifier", "get_angles11"}, {"state", "0"}, {"result1", "1.5,2.5"}}),
+            result);
 
   // Both in one write and nothing after them: neither may wait for a later read.
   ASSERT_TRUE(SendAsOneRead(Reply("1", "recover") + Reply("2", "stop")));
@@ -70,7 +81,8 @@ TEST_F(ReceiverTest, PiecesSmallerThanAnEarlierReadAreFramedFromTheirOwnBytes) {
   ASSERT_EQ(RobotEvents::kSuccess, Collect("get_pose3", result));
 
   const std::string small = Reply("4", "get_io", "5", {{"result1", "1"}});
-  for (std::size_t at = 0; at < small.size(); at += 40) ASSERT_TRUE(SendAsOneRead(small.substr(at, 40)));
+  for (std::size_t at = 0; at < small.size(); at += 40)
+    ASSERT_TRUE(SendAsOneRead(small.substr(at, 40)));
   ASSERT_EQ(RobotEvents::kSuccess, Collect("get_io4", result));
   EXPECT_EQ((Message{{"identifier", "get_io4"}, {"state", "5"}, {"result1", "1"}}), result);
 }
@@ -83,7 +95,8 @@ TEST_F(ReceiverTest, FilesRepliesByNameAndReportsServerErrors) {
   ASSERT_TRUE(SendAsOneRead(tavsim::ErrorMessage("7")));
   ASSERT_TRUE(SendAsOneRead(Reply("5", "recover")));
   Message result;
-  ASSERT_EQ(RobotEvents::kSuccess, Collect("recover5", result));  // everything before it was handled
+  ASSERT_EQ(RobotEvents::kSuccess,
+            Collect("recover5", result));  // everything before it was handled
   EXPECT_EQ(EventLog::WaitFor(1, 0ms), Events{7});
   ASSERT_EQ(RobotEvents::kSuccess, worker->GetRecv("get_io4", result));
   EXPECT_EQ("1", result["state"]);
@@ -122,7 +135,8 @@ TEST_F(ReceiverTest, AResetOrACloseIsReportedOnce) {
 // Only replies someone may still collect are kept: an entry left from before a request is
 // stale (the counter wrapped), and a reply whose caller gave up is dropped when it comes.
 TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
-  ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}}) + Reply("8", "stop")));
+  ASSERT_TRUE(
+      SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}}) + Reply("8", "stop")));
   Message result;
   ASSERT_EQ(RobotEvents::kSuccess, Collect("stop8", result));  // filed after the stale one
   worker->Expect("get_angles9");
@@ -132,7 +146,8 @@ TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
   ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}})));
   ASSERT_TRUE(SendAsOneRead(Reply("10", "stop")));
   ASSERT_EQ(RobotEvents::kSuccess, Collect("stop10", result));
-  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("get_angles9", result)) << "the late reply was dropped";
+  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("get_angles9", result))
+      << "the late reply was dropped";
   ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "1"}})));
   ASSERT_EQ(RobotEvents::kSuccess, Collect("get_angles9", result));
   EXPECT_EQ("1", result["result1"]) << "the next reply of that name is kept";
@@ -140,13 +155,68 @@ TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
 
 TEST_F(ReceiverTest, RepliesNobodyAskedForAreCapped) {
   std::string flood;
-  for (std::size_t i = 0; i <= Receiver::kMaxUnclaimedReplies; ++i) flood += Reply(std::to_string(i), "stop");
+  for (std::size_t i = 0; i <= Receiver::kMaxUnclaimedReplies; ++i)
+    flood += Reply(std::to_string(i), "stop");
   ASSERT_TRUE(SendAsOneRead(flood + Reply("9999", "recover")));
   Message result;
   ASSERT_EQ(RobotEvents::kSuccess, Collect("recover9999", result));
   EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("stop0", result)) << "the oldest went first";
   EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("stop1", result));
   EXPECT_EQ(RobotEvents::kSuccess, worker->GetRecv("stop2", result));
+}
+
+// The lines logged after the line "INFO: <tag> from" up to "INFO: <tag> to", once written.
+std::vector<std::string> LoggedBetween(const std::string& tag) {
+  TavLogger::GetInstance().Info("%s to", tag.c_str());
+  std::vector<std::string> between;
+  EXPECT_TRUE(tavtest::PollUntil(10s, [&] {
+    between.clear();
+    bool inside = false;
+    for (const std::string& line : tavtest::LogLines(std::getenv("HOME"))) {
+      if (line.size() > 20 && line.compare(20, std::string::npos, "INFO: " + tag + " from") == 0) {
+        inside = true;
+      } else if (inside && line.compare(20, std::string::npos, "INFO: " + tag + " to") == 0) {
+        return true;
+      } else if (inside) {
+        between.push_back(line);
+      }
+    }
+    return false;
+  }));
+  return between;
+}
+
+TEST_F(ReceiverTest, AFloodOfUnaskedRepliesLogsAFewCountedLinesAndLeavesTheSessionUsable) {
+  ASSERT_EQ(TavResource::GetInstance().Load(), 0);
+  TavLogger::GetInstance().StartLogging();
+  TavLogger::GetInstance().Info("flood from");
+  constexpr int kFlood = 20000;
+  std::string flood;
+  for (int i = 0; i < kFlood; ++i)
+    flood += Reply(std::to_string(i), "stop");
+  ASSERT_TRUE(controller.Send(flood + "garbage"));
+  worker->Expect("recover99999");
+  ASSERT_TRUE(controller.Send(Reply("99999", "recover")));
+  Message result;
+  EXPECT_EQ(RobotEvents::kSuccess, Collect("recover99999", result, 20s));
+  controller.Close();  // the Receiver logs the counts it holds when the connection ends
+  ASSERT_EQ(EventLog::WaitFor(1), Events{RobotEvents::kReceiveFailed});
+
+  const std::vector<std::string> lines = LoggedBetween("flood");
+  std::size_t bytes = 0;
+  long unasked = 0;
+  const std::regex counted(R"(recv (\d+) more msgs nobody asked for in the last \d+ s\.$)");
+  for (const std::string& line : lines) {
+    bytes += line.size() + 1;
+    std::smatch match;
+    if (std::regex_search(line, match, counted)) {
+      unasked += std::stol(match[1]);
+    } else if (line.find("msg nobody asked for.") != std::string::npos) {
+      ++unasked;
+    }
+  }
+  EXPECT_EQ(unasked, kFlood) << "every unasked reply is counted";
+  EXPECT_LT(bytes, 10u * kFlood);
 }
 
 }  // namespace
