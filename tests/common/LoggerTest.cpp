@@ -93,6 +93,21 @@ std::vector<std::string> LoggedThroughNow(const std::string& tag) {
   return texts;
 }
 
+// The texts that begin with `head`, and "<head>0" ... "<head><count - 1>".
+std::vector<std::string> Starting(const std::vector<std::string>& texts, const std::string& head) {
+  std::vector<std::string> matching;
+  std::copy_if(texts.begin(), texts.end(), std::back_inserter(matching),
+               [&](const std::string& text) { return text.compare(0, head.size(), head) == 0; });
+  return matching;
+}
+std::vector<std::string> Numbered(const std::string& head, int count) {
+  std::vector<std::string> texts;
+  for (int i = 0; i < count; ++i) {
+    texts.push_back(head + std::to_string(i));
+  }
+  return texts;
+}
+
 }  // namespace
 
 TEST(LogFileTest, NamesFilesAfterTheStartAndMovesOnWithTheFirstRecordOfEachLaterHour) {
@@ -184,21 +199,18 @@ TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
   std::vector<std::thread> producers;
   for (int t = 0; t < kThreads; ++t) {
     producers.emplace_back([&tag, t] {
-      for (int i = 0; i < kRecords; ++i)
+      for (int i = 0; i < kRecords; ++i) {
         TavLogger::GetInstance().Info("%s %d:%d", tag.c_str(), t, i);
+      }
     });
   }
-  for (std::thread& producer : producers)
+  for (std::thread& producer : producers) {
     producer.join();
+  }
   const std::vector<std::string> texts = LoggedThroughNow(tag);
   for (int t = 0; t < kThreads; ++t) {
-    std::vector<std::string> ofThread, expected;
     const std::string head = "INFO: " + tag + " " + std::to_string(t) + ":";
-    std::copy_if(texts.begin(), texts.end(), std::back_inserter(ofThread),
-                 [&](const std::string& text) { return text.compare(0, head.size(), head) == 0; });
-    for (int i = 0; i < kRecords; ++i)
-      expected.push_back(head + std::to_string(i));
-    EXPECT_EQ(ofThread, expected);
+    EXPECT_EQ(Starting(texts, head), Numbered(head, kRecords));
   }
   EXPECT_EQ(tavtest::ThreadCount(), threads);
   EXPECT_EQ(std::distance(fs::directory_iterator(LoggingHome() + "/TavClient/log"),
@@ -207,28 +219,8 @@ TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
 }
 
 // An exit test ends a child process that runs the test program again for that test alone, so
-// its logger is fresh.
-TEST(TavLoggerExitTest, WritesEverythingQueuedBeforeTheProcessEnds) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const tavtest::ExitTestDirectory home;
-  constexpr int kRecords = 500;
-  EXPECT_EXIT(
-      {
-        StartLoggingUnder(home.Path());
-        for (int i = 0; i < kRecords; ++i)
-          TavLogger::GetInstance().Info("exit %d", i);
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(0), ::testing::StrEq(""))
-      << "a usable HOME needs no word on stderr";
-  std::vector<std::string> expected;
-  for (int i = 0; i < kRecords; ++i)
-    expected.push_back("INFO: exit " + std::to_string(i));
-  EXPECT_EQ(LoggedTexts(home.Path()), expected);
-}
-
-// Both children start early in one second (time() may lag the clock by a tick), so that they
-// name the same file.
+// its logger is fresh. Both children start early in one second (time() may lag the clock by a
+// tick), so that they name the same file, and each writes everything it queued as it exits.
 TEST(TavLoggerExitTest, TwoProcessesStartedInTheSameSecondKeepEveryLineOfBoth) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const tavtest::ExitTestDirectory home;
@@ -243,8 +235,9 @@ TEST(TavLoggerExitTest, TwoProcessesStartedInTheSameSecondKeepEveryLineOfBoth) {
           children.push_back(::fork());
           if (children.back() == 0) {
             StartLoggingUnder(home.Path());
-            for (int i = 0; i < kRecords; ++i)
+            for (int i = 0; i < kRecords; ++i) {
               TavLogger::GetInstance().Info("child %d:%d", c, i);
+            }
             std::exit(0);
           }
         }
@@ -256,16 +249,11 @@ TEST(TavLoggerExitTest, TwoProcessesStartedInTheSameSecondKeepEveryLineOfBoth) {
         }
         std::exit(failures);
       },
-      ::testing::ExitedWithCode(0), "");
+      ::testing::ExitedWithCode(0), ::testing::StrEq(""))
+      << "a usable HOME needs no word on stderr";
   const std::vector<std::string> texts = LoggedTexts(home.Path());
-  for (int c = 0; c < 2; ++c) {
-    std::vector<std::string> ofChild, expected;
-    const std::string head = "INFO: child " + std::to_string(c) + ":";
-    std::copy_if(texts.begin(), texts.end(), std::back_inserter(ofChild),
-                 [&](const std::string& text) { return text.compare(0, head.size(), head) == 0; });
-    for (int i = 0; i < kRecords; ++i)
-      expected.push_back(head + std::to_string(i));
-    EXPECT_EQ(ofChild, expected);
+  for (const std::string head : {"INFO: child 0:", "INFO: child 1:"}) {
+    EXPECT_EQ(Starting(texts, head), Numbered(head, kRecords));
   }
   EXPECT_EQ(texts.size(), 2u * kRecords);
   EXPECT_EQ(FilesIn(home.Path() + "/TavClient/log").size(), 1u) << "both named one file";
