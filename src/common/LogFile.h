@@ -20,7 +20,7 @@ struct LogLimits {
 // started in the same second share one series without losing a line: whichever finds a file
 // full moves on, and a file another writer filled is skipped. Each opening removes this
 // library's oldest log files in the directory (ordered by start stamp, then number) beyond
-// LogLimits::files, never the one being written.
+// LogLimits::files, never the file this writer is on (another process may lose an old one).
 //
 // A line longer than a whole file is cut to fit. A file that cannot be opened or written loses
 // its lines silently: a full disk costs the log, never the session.
