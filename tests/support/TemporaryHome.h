@@ -25,9 +25,8 @@ private:
 };
 
 // Points HOME at a fresh temporary directory for the whole test program, so the library's
-// directories and log files never land in the real home. Register it from the test program
-// (a static library cannot register it by itself):
-//   const auto* const kHome = ::testing::AddGlobalTestEnvironment(new tavtest::TemporaryHome);
+// directories and log files never land in the real home. A test program gets it by linking
+// the object library tav_testhome (support/HomeEnvironment.cpp registers it).
 class TemporaryHome : public ::testing::Environment {
 public:
   void SetUp() override {
