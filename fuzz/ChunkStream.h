@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 // The framer harness's input: a run of chunks, each a length byte L, a repeat byte R and L
@@ -25,26 +24,12 @@ inline std::vector<Chunk> ReadChunks(const std::uint8_t* data, std::size_t size)
   while (size - at >= 2) {
     const std::size_t length = std::min<std::size_t>(data[at], size - at - 2);
     const std::uint8_t repeat = data[at + 1];
-    const std::size_t times = repeat < kRepeatFrom ? 1 : std::size_t{1} << (repeat - kRepeatFrom + 1);
+    const std::size_t times =
+        repeat < kRepeatFrom ? 1 : std::size_t{1} << (repeat - kRepeatFrom + 1);
     chunks.push_back({reinterpret_cast<const char*>(data) + at + 2, length, times});
     at += 2 + length;
   }
   return chunks;
-}
-
-// One read of `bytes` (at most 255) fed 2^doublings times (0 to 4 doublings).
-inline std::string WriteRepeatedChunk(const std::string& bytes, unsigned doublings) {
-  const int repeat = doublings == 0 ? 0 : kRepeatFrom + static_cast<int>(doublings) - 1;
-  return std::string(1, static_cast<char>(bytes.size())) + static_cast<char>(repeat) + bytes;
-}
-
-// `stream` cut into reads of `readSize` bytes (at most 255), each fed once.
-inline std::string WriteChunks(const std::string& stream, std::size_t readSize) {
-  std::string out;
-  for (std::size_t at = 0; at < stream.size(); at += readSize) {
-    out += WriteRepeatedChunk(stream.substr(at, readSize), 0);
-  }
-  return out;
 }
 
 #endif

@@ -4,7 +4,7 @@
 # --benchmark_filter=floor).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh
+scripts/install-deps.sh test
 cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DTAVCLIENT_BUILD_BENCHMARKS=ON \
   -DTAVCLIENT_BUILD_TESTS=OFF -DTAVCLIENT_BUILD_EXAMPLES=OFF >/dev/null
 cmake --build build-bench -j"$(nproc)" --target tavclient-bench

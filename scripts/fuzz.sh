@@ -22,7 +22,7 @@ else
 fi
 [[ "$seconds" =~ ^[1-9][0-9]*$ ]] || { echo "seconds must be a positive whole number" >&2; exit 2; }
 
-scripts/install-deps.sh
+scripts/install-deps.sh test
 build=build-fuzz
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++-14 \
   -DTAVCLIENT_BUILD_FUZZERS=ON -DTAVCLIENT_BUILD_TESTS=OFF -DTAVCLIENT_BUILD_EXAMPLES=OFF >/dev/null

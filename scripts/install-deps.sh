@@ -1,12 +1,24 @@
 #!/usr/bin/env bash
-# Installs, through apt, whatever a fresh Debian 12 machine lacks to build, test and benchmark the
-# project, or, given package names, whatever of those is missing (scripts/docs.sh asks for doxygen).
+# Installs, through apt, whatever a fresh Debian 12 machine lacks from a named set of packages,
+# or given package names, whatever of those is missing. Usage: install-deps.sh [SET|PACKAGE...]
+#   demo  what the demo needs: a compiler, CMake and make
+#   test  the demo set and everything the tests, fuzzers and benchmarks use (the default)
 set -euo pipefail
 
-# clang-14 and its runtimes (libFuzzer among them) build the fuzzing harnesses.
-packages=(cmake g++ make pkg-config libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
-          libclang-rt-14-dev)
-[ $# -gt 0 ] && packages=("$@")
+demo=(cmake g++ make)
+# pkg-config builds the README's program against an install; clang-14 and its runtimes
+# (libFuzzer among them) build the fuzzing harnesses; valgrind checks the soak for leaks.
+test=("${demo[@]}" pkg-config libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
+      libclang-rt-14-dev)
+
+packages=()
+for name in "${@:-test}"; do
+  case "$name" in
+    demo) packages+=("${demo[@]}") ;;
+    test) packages+=("${test[@]}") ;;
+    *) packages+=("$name") ;;
+  esac
+done
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -5,7 +5,7 @@
 # UndefinedBehaviorSanitizer. `--quick` runs the plain build and the application only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh
+scripts/install-deps.sh test
 
 jobs=$(nproc)
 run_suite() {  # build directory, then extra cmake arguments

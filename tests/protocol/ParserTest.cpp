@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -23,20 +21,24 @@ const std::string kHeart = "<root><Heart /></root>";
 const std::string kError = "<root><Error><errorcode>7</errorcode></Error></root>";
 
 std::string connResult(const std::string& checksum, const std::string& identifier = "ConnResult") {
-  return "<root><head><identifier>" + identifier + "</identifier></head><ConnResult><result>0"
-         "</result></ConnResult><tail><checksum>" + checksum + "</checksum></tail></root>";
+  return "<root><head><identifier>" + identifier +
+         "</identifier></head><ConnResult><result>0"
+         "</result></ConnResult><tail><checksum>" +
+         checksum + "</checksum></tail></root>";
 }
 
 std::string reply(const std::string& results, const std::string& checksum,
                   const std::string& state = "<state>0</state>") {
   return "<root><head><timestamp>5201</timestamp>" + state + "</head>" + results +
          "<taskmatching><timestamp>5201</timestamp><name>move_to_angles</name></taskmatching>"
-         "<tail><checksum>" + checksum + "</checksum></tail></root>";
+         "<tail><checksum>" +
+         checksum + "</checksum></tail></root>";
 }
 
 const std::string kConnResult = connResult("48");
 // "1.5,2.5" and "x" sum to 341 + 120.
-const std::string kReply = reply("<result><result1>1.5,2.5</result1><result2>x</result2></result>", "461");
+const std::string kReply =
+    reply("<result><result1>1.5,2.5</result1><result2>x</result2></result>", "461");
 
 int decode(Decoder decoder, std::string text, Message* result = nullptr) {
   Message scratch;
@@ -48,13 +50,20 @@ std::string edited(std::string text, const std::string& name, int occurrence, bo
   std::size_t begin = std::string::npos;
   for (std::size_t from = 0; occurrence-- >= 0; from = begin + 1) {
     begin = std::min(text.find("<" + name + ">", from), text.find("<" + name + " />", from));
-    if (begin == std::string::npos) throw std::logic_error("no element " + name + " in " + text);
+    if (begin == std::string::npos) {
+      throw std::logic_error("no element " + name + " in " + text);
+    }
   }
   const std::size_t nameEnd = begin + 1 + name.size();
   const bool shortForm = text[nameEnd] == ' ';
-  const std::size_t closeNameEnd = shortForm ? nameEnd : text.find("</" + name + ">", nameEnd) + 2 + name.size();
-  if (remove) return text.erase(begin, (shortForm ? nameEnd + 3 : closeNameEnd + 1) - begin);
-  if (!shortForm) text.insert(closeNameEnd, "x");
+  const std::size_t closeNameEnd =
+      shortForm ? nameEnd : text.find("</" + name + ">", nameEnd) + 2 + name.size();
+  if (remove) {
+    return text.erase(begin, (shortForm ? nameEnd + 3 : closeNameEnd + 1) - begin);
+  }
+  if (!shortForm) {
+    text.insert(closeNameEnd, "x");
+  }
   return text.insert(nameEnd, "x");
 }
 
@@ -67,7 +76,10 @@ TEST(CheckSum, AddsSignedBytesUpToNulAndStartsAfreshAfterEachSum) {
   EXPECT_EQ(sum.CalcSum(), -1);
   EXPECT_EQ(sum.CalcSum(), 0);
   sum.AddElement("\x80");
-  sum.AddElement(std::string("1\0" "999", 5));
+  sum.AddElement(
+      std::string("1\0"
+                  "999",
+                  5));
   EXPECT_EQ(sum.CalcSum(), -128 + '1');
 }
 
@@ -75,8 +87,12 @@ TEST(CheckSum, AddsSignedBytesUpToNulAndStartsAfreshAfterEachSum) {
 // counts the name and the parameter values, high bytes negative.
 TEST(ParserWrap, WritesTheExactTextAndLeavesOnlyTheParametersInTheMap) {
   using Wrapper = int (Parser::*)(std::string&, Message&);
-  const Message info{{"identifier", "ClientInfo"}, {"version", "0.1.0"}, {"system", "windows"}, {"language", "CPP"}};
-  const std::string head = "<root><head><timestamp>5201</timestamp><ClientID>7</ClientID></head><function>";
+  const Message info{{"identifier", "ClientInfo"},
+                     {"version", "0.1.0"},
+                     {"system", "windows"},
+                     {"language", "CPP"}};
+  const std::string head =
+      "<root><head><timestamp>5201</timestamp><ClientID>7</ClientID></head><function>";
   const struct {
     Wrapper wrap;
     Message params;
@@ -85,24 +101,43 @@ TEST(ParserWrap, WritesTheExactTextAndLeavesOnlyTheParametersInTheMap) {
   } cases[] = {
       {&Parser::wrap_heart, info, "<root><heart /></root>", info},
       {&Parser::wrap_clientinfo, info,
-       "<root><head><identifier>ClientInfo</identifier></head><ClientInfo><version>0.1.0</version><system>windows"
-       "</system><language>CPP</language></ClientInfo><tail><checksum>1243</checksum></tail></root>", info},
+       "<root><head><identifier>ClientInfo</identifier></head><ClientInfo><version>0.1.0</"
+       "version><system>windows"
+       "</system><language>CPP</language></ClientInfo><tail><checksum>1243</checksum></tail></"
+       "root>",
+       info},
       {&Parser::wrap_msg,
-       {{"timestamp", "5201"}, {"ClientID", "7"}, {"function_name", "move_to_angles"}, {"velocity", "0.500000"},
+       {{"timestamp", "5201"},
+        {"ClientID", "7"},
+        {"function_name", "move_to_angles"},
+        {"velocity", "0.500000"},
         {"block", "1"}},
-       head + "<parameter><block>1</block><velocity>0.500000</velocity></parameter><name>move_to_angles</name>"
+       head + "<parameter><block>1</block><velocity>0.500000</velocity></"
+              "parameter><name>move_to_angles</name>"
               "</function><tail><checksum>1926</checksum></tail></root>",
        {{"block", "1"}, {"velocity", "0.500000"}}},
-      {&Parser::wrap_msg, {{"timestamp", "5201"}, {"ClientID", "7"}, {"function_name", "recover"}},
-       head + "<parameter /><name>recover</name></function><tail><checksum>758</checksum></tail></root>", {}},
       {&Parser::wrap_msg,
-       {{"timestamp", "5201"}, {"ClientID", "7"}, {"function_name", "f"}, {"b", ""}, {"a", "\xff"}, {"Z", "z"}},
-       head + "<parameter><Z>z</Z><a>\xff</a><b /></parameter><name>f</name></function><tail><checksum>223"
+       {{"timestamp", "5201"}, {"ClientID", "7"}, {"function_name", "recover"}},
+       head + "<parameter "
+              "/><name>recover</name></function><tail><checksum>758</checksum></tail></root>",
+       {}},
+      {&Parser::wrap_msg,
+       {{"timestamp", "5201"},
+        {"ClientID", "7"},
+        {"function_name", "f"},
+        {"b", ""},
+        {"a", "\xff"},
+        {"Z", "z"}},
+       head + "<parameter><Z>z</Z><a>\xff</a><b "
+              "/></parameter><name>f</name></function><tail><checksum>223"
               "</checksum></tail></root>",
        {{"b", ""}, {"a", "\xff"}, {"Z", "z"}}},
-      {&Parser::wrap_msg, {{"function_name", "\xff"}},
-       "<root><head><timestamp /><ClientID /></head><function><parameter /><name>\xff</name></function><tail>"
-       "<checksum>-1</checksum></tail></root>", {}},
+      {&Parser::wrap_msg,
+       {{"function_name", "\xff"}},
+       "<root><head><timestamp /><ClientID /></head><function><parameter "
+       "/><name>\xff</name></function><tail>"
+       "<checksum>-1</checksum></tail></root>",
+       {}},
   };
   for (auto c : cases) {
     SCOPED_TRACE(c.text);
@@ -123,14 +158,20 @@ TEST(ParserUnwrap, FillsTheMapAndKeepsWhatWasWrittenBeforeAFault) {
       {"<root><Heart>x</Heart></root>", 0, {{"identifier", "heart"}}},
       {kError, 0, {{"identifier", "Error"}, {"errorcode", "7"}}},
       {kConnResult, 0, {{"identifier", "ConnResult"}, {"result", "0"}}},
-      {kReply, 0, {{"state", "0"}, {"result1", "1.5,2.5"}, {"result2", "x"}, {"identifier", kName}}},
+      {kReply,
+       0,
+       {{"state", "0"}, {"result1", "1.5,2.5"}, {"result2", "x"}, {"identifier", kName}}},
       {reply("<result />", "0"), 0, {{"state", "0"}, {"identifier", kName}}},
       // Both children named "r" read the first one's text, so the sum is '1' + '1'.
-      {reply("<result><r>1</r><r>2</r></result>", "98"), 0, {{"state", "0"}, {"r", "1"}, {"identifier", kName}}},
-      {reply("<result><state>9</state><identifier>i</identifier></result>", "162"), 0,
+      {reply("<result><r>1</r><r>2</r></result>", "98"),
+       0,
+       {{"state", "0"}, {"r", "1"}, {"identifier", kName}}},
+      {reply("<result><state>9</state><identifier>i</identifier></result>", "162"),
+       0,
        {{"state", "9"}, {"identifier", kName}}},
       {connResult("48", "connresult"), kFailed, {{"identifier", "connresult"}}},
-      {reply("<result><result1>1</result1></result>", "0"), kFailed,
+      {reply("<result><result1>1</result1></result>", "0"),
+       kFailed,
        {{"state", "0"}, {"result1", "1"}, {"identifier", kName}}},
       {reply("<result />", "0", "<status>0</status>"), kFailed, {}},
   };
@@ -156,12 +197,24 @@ TEST(ParserUnwrap, EachDecoderRejectsEveryMisnamedOrMissingElement) {
   } cases[] = {
       {&Parser::unwrap_Heart, kHeart, {{"Heart", 0, true}}},
       {&Parser::unwrap_Error, kError, {{"Error", 0, true}, {"errorcode", 0, true}}},
-      {&Parser::unwrap_ConnResult, kConnResult,
-       {{"head", 0, true}, {"identifier", 0, false}, {"ConnResult", 0, true}, {"result", 0, true},
-        {"tail", 0, true}, {"checksum", 0, true}}},
-      {&Parser::unwrap_Msg, kReply,
-       {{"head", 0, true}, {"timestamp", 0, true}, {"state", 0, true}, {"result", 0, true},
-        {"taskmatching", 0, true}, {"timestamp", 1, true}, {"name", 0, true}, {"tail", 0, true},
+      {&Parser::unwrap_ConnResult,
+       kConnResult,
+       {{"head", 0, true},
+        {"identifier", 0, false},
+        {"ConnResult", 0, true},
+        {"result", 0, true},
+        {"tail", 0, true},
+        {"checksum", 0, true}}},
+      {&Parser::unwrap_Msg,
+       kReply,
+       {{"head", 0, true},
+        {"timestamp", 0, true},
+        {"state", 0, true},
+        {"result", 0, true},
+        {"taskmatching", 0, true},
+        {"timestamp", 1, true},
+        {"name", 0, true},
+        {"tail", 0, true},
         {"checksum", 0, true}}},
   };
   for (const auto& c : cases) {
@@ -187,53 +240,28 @@ TEST(ParserUnwrap, ReadsTheChecksumLikeStrtolAndDispatchesOnSubstrings) {
     std::string text;
     int status;
   } cases[] = {
-      {&Parser::unwrap, connResult("48abc"), 0},      {&Parser::unwrap, connResult(" 48"), 0},
-      {&Parser::unwrap, connResult("+48"), 0},        {&Parser::unwrap, connResult("4294967344"), 0},
-      {&Parser::unwrap, connResult("49"), kFailed},   {&Parser::unwrap, connResult(""), kFailed},
-      {&Parser::unwrap, connResult("-48"), kFailed},  {&Parser::unwrap, reply("<result />", ""), 0},
+      {&Parser::unwrap, connResult("48abc"), 0},
+      {&Parser::unwrap, connResult(" 48"), 0},
+      {&Parser::unwrap, connResult("+48"), 0},
+      {&Parser::unwrap, connResult("4294967344"), 0},
+      {&Parser::unwrap, connResult("49"), kFailed},
+      {&Parser::unwrap, connResult(""), kFailed},
+      {&Parser::unwrap, connResult("-48"), kFailed},
+      {&Parser::unwrap, reply("<result />", ""), 0},
       {&Parser::unwrap, reply("<result />", "1"), kFailed},
       {&Parser::unwrap, reply("<result><r>\xff</r></result>", "-1"), 0},
       {&Parser::unwrap, reply("<result><r>\xff</r></result>", "4294967295"), 0},
       {&Parser::unwrap, reply("<result><r>1</r><r>2</r></result>", "99"), kFailed},
-      {&Parser::unwrap_Heart, heartWithConn, 0},      {&Parser::unwrap, heartWithConn, kFailed},
-      {&Parser::unwrap_Error, errorWithHeart, 0},     {&Parser::unwrap, errorWithHeart, kFailed},
-      {&Parser::unwrap_Msg, replyWithHeart, 0},       {&Parser::unwrap, replyWithHeart, kFailed},
-      {&Parser::unwrap_Msg, replyWithError, 0},       {&Parser::unwrap, replyWithError, kFailed},
+      {&Parser::unwrap_Heart, heartWithConn, 0},
+      {&Parser::unwrap, heartWithConn, kFailed},
+      {&Parser::unwrap_Error, errorWithHeart, 0},
+      {&Parser::unwrap, errorWithHeart, kFailed},
+      {&Parser::unwrap_Msg, replyWithHeart, 0},
+      {&Parser::unwrap, replyWithHeart, kFailed},
+      {&Parser::unwrap_Msg, replyWithError, 0},
+      {&Parser::unwrap, replyWithError, kFailed},
   };
-  for (const auto& c : cases) EXPECT_EQ(decode(c.decoder, c.text), c.status) << c.text;
-}
-
-// Whatever arrives, unwrap answers with a status or lets the parser's out_of_range through.
-TEST(ParserUnwrap, MutatedTextGivesAStatusOrOutOfRange) {
-  const std::string seeds[] = {kHeart, kError, kConnResult, kReply};
-  const std::string tokens[] = {"<", ">", "/", "/>", " ", "<root>", "</root>", "<root />", "<a>", "</a>",
-                                "<a />", "Heart", "Error", "ConnResult", "\xff", std::string(1, '\0')};
-  std::mt19937 random(20240611u);
-  const auto below = [&random](std::size_t bound) {
-    return std::uniform_int_distribution<std::size_t>(0, bound - 1)(random);
-  };
-  int outcomes[3] = {};  // decoded, rejected, thrown
-  for (int round = 0; round < 20000; ++round) {
-    std::string text = seeds[below(std::size(seeds))];
-    for (std::size_t edits = 1 + below(6); edits > 0; --edits) {
-      const std::size_t at = below(text.size() + 1);
-      const std::size_t length = std::min(text.size() - at, below(16));
-      switch (below(4)) {
-        case 0: text.insert(at, tokens[below(std::size(tokens))]); break;
-        case 1: text.erase(at, length); break;
-        case 2: text.insert(at, text.substr(at, length)); break;
-        default: text.insert(at, 1, static_cast<char>(below(256))); break;
-      }
-    }
-    try {
-      const int status = decode(&Parser::unwrap, text);
-      EXPECT_TRUE(status == 0 || status == kFailed) << status << " for " << text;
-      ++outcomes[status == 0 ? 0 : 1];
-    } catch (const std::out_of_range&) {
-      ++outcomes[2];
-    } catch (...) {
-      ADD_FAILURE() << "unexpected exception for " << text;
-    }
+  for (const auto& c : cases) {
+    EXPECT_EQ(decode(c.decoder, c.text), c.status) << c.text;
   }
-  for (const int count : outcomes) EXPECT_GT(count, 0);
 }

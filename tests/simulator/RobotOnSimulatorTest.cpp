@@ -2,8 +2,6 @@
 // sees it, and injected faults arriving as the library's own codes.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <future>
@@ -19,38 +17,28 @@
 namespace {
 
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 
 const Setup_Param kChannel{"can0", "can", "canopen", 1, 500000};
 constexpr double kPoseTolerance = 1e-4;
 constexpr std::size_t kJoints = 6;
 constexpr int kMotionInterrupted = 2001081;
 
-short PortOf(const tavsim::SimulatorServer& server) {
-  return static_cast<short>(server.Port());
-}
+short PortOf(const tavsim::SimulatorServer& server) { return static_cast<short>(server.Port()); }
 
 // Angles that differ by whole turns (roll near +pi and -pi) are the same orientation.
-double AngleGap(double a, double b) {
-  return std::remainder(a - b, 2.0 * M_PI);
-}
+double AngleGap(double a, double b) { return std::remainder(a - b, 2.0 * M_PI); }
 
 void ExpectPoseNear(const _Pose& actual, const _Pose& expected, const std::string& what) {
-  const double gaps[] = {actual.x - expected.x, actual.y - expected.y, actual.z - expected.z,
-                         AngleGap(actual.roll, expected.roll), AngleGap(actual.pitch, expected.pitch),
+  const double gaps[] = {actual.x - expected.x,
+                         actual.y - expected.y,
+                         actual.z - expected.z,
+                         AngleGap(actual.roll, expected.roll),
+                         AngleGap(actual.pitch, expected.pitch),
                          AngleGap(actual.yaw, expected.yaw)};
   const char* const names[] = {"x", "y", "z", "roll", "pitch", "yaw"};
   for (std::size_t i = 0; i < 6; ++i) {
     EXPECT_NEAR(gaps[i], 0.0, kPoseTolerance) << what << ": " << names[i];
   }
-}
-
-// Time of a trapezoidal (or, when the top speed is never reached, triangular) move.
-double ProfileSeconds(double distance, double velocity, double acceleration) {
-  if (distance >= velocity * velocity / acceleration) {
-    return distance / velocity + velocity / acceleration;
-  }
-  return 2.0 * std::sqrt(distance / acceleration);
 }
 
 class RobotOnSimulatorTest : public ::testing::Test {
@@ -70,55 +58,34 @@ protected:
   Robot robot;
 };
 
-TEST_F(RobotOnSimulatorTest, JointMoveReachesItsTargetsInTheTimeItsProfileImplies) {
-  const std::vector<double> start = Angles();
+// Joints, poses, I/O and the tool through the library's texts and back: what the arm does is
+// what the caller reads.
+TEST_F(RobotOnSimulatorTest, CommandsReachTheArmAndQueriesReadItBack) {
   const std::vector<double> targets{30.0, -75.0, 60.0, -100.0, -80.0, 15.0};
-  double longest = 0.0;
-  for (std::size_t i = 0; i < kJoints; ++i) {
-    longest = std::max(longest, std::abs(targets[i] - start[i]));
-  }
-  const float velocity = 40.0f;
-  const float acceleration = 80.0f;
   const int ids[] = {1, 2, 3, 4, 5, 6};
-
-  const auto begin = Clock::now();
-  ASSERT_EQ(robot.move_to_angles(kJoints, ids, targets.data(), velocity, acceleration, Relative_Mode::Absolute), 0);
+  ASSERT_EQ(
+      robot.move_to_angles(kJoints, ids, targets.data(), 200.0f, 400.0f, Relative_Mode::Absolute),
+      0);
   ASSERT_EQ(robot.wait_for_motors(), 0);
-  const double took = std::chrono::duration<double>(Clock::now() - begin).count();
-
-  const double expected = ProfileSeconds(longest, static_cast<double>(velocity), static_cast<double>(acceleration));
-  EXPECT_NEAR(took, expected, 0.1 * expected) << "moving " << longest << " degrees";
   const std::vector<double> arrived = Angles();
   for (std::size_t i = 0; i < kJoints; ++i) {
     EXPECT_NEAR(arrived[i], targets[i], 1e-4) << "joint " << i + 1;
   }
-}
 
-TEST_F(RobotOnSimulatorTest, ForwardOfTheJointsIsThePoseAndInverseRoundTrips) {
-  const std::vector<double> angles = Angles();
-  _Pose pose;
-  _Pose computed;
+  _Pose pose, computed;
   ASSERT_EQ(robot.get_pose(pose), 0);
-  ASSERT_EQ(robot.forward(angles.data(), computed), 0);
+  ASSERT_EQ(robot.forward(arrived.data(), computed), 0);
   ExpectPoseNear(computed, pose, "forward of the current joints");
+  _Pose target = pose;
+  target.x -= 0.1;
+  target.y += 0.08;
+  target.yaw += 0.2;
+  double solution[kJoints + 2] = {};
+  ASSERT_EQ(robot.inverse(target, solution), 0);
+  ASSERT_EQ(robot.forward(solution, computed), 0);
+  ExpectPoseNear(computed, target, "forward of inverse");
 
-  for (const auto& [dx, dy, dz] : std::vector<std::array<double, 3>>{{0.05, 0.0, 0.0}, {-0.1, 0.08, 0.05}, {0.0, -0.12, -0.1}}) {
-    _Pose target = pose;
-    target.x += dx;
-    target.y += dy;
-    target.z += dz;
-    target.yaw += 0.2;
-    double solution[kJoints + 2] = {};
-    ASSERT_EQ(robot.inverse(target, solution), 0);
-    ASSERT_EQ(robot.forward(solution, computed), 0);
-    ExpectPoseNear(computed, target, "forward of inverse");
-  }
-}
-
-TEST_F(RobotOnSimulatorTest, LinearPathEndsAtItsLastPointAndIoAndGripperRespond) {
-  _Pose start;
-  ASSERT_EQ(robot.get_pose(start), 0);
-  _Pose points[2] = {start, start};
+  _Pose points[2] = {pose, pose};
   points[0].x += 0.05;
   points[1].x += 0.05;
   points[1].z -= 0.05;
@@ -133,24 +100,28 @@ TEST_F(RobotOnSimulatorTest, LinearPathEndsAtItsLastPointAndIoAndGripperRespond)
   int level = -1;
   ASSERT_EQ(robot.get_input(3, level), 0);
   EXPECT_EQ(level, 1) << "outputs are wired back to inputs";
-
   ASSERT_EQ(robot.set_EOAT_action("gripper", "close"), 0);
-  EXPECT_TRUE(tavtest::PollUntil(3000ms, [&] { return robot.get_input(9, level) == 0 && level == 1; }))
-      << "the gripper's closed sensor";
+  EXPECT_TRUE(tavtest::PollUntil(3000ms, [&] {
+    return robot.get_input(9, level) == 0 && level == 1;
+  })) << "the gripper's closed sensor";
   EXPECT_EQ(robot.set_EOAT_action("gripper", "explode"), 2001071);
 }
 
 TEST_F(RobotOnSimulatorTest, PendingWaitHoldsUpNoOtherCallerAndStopEndsIt) {
   ASSERT_EQ(robot.move_to_angles(1, 60.0, 10.0f, 10.0f, Relative_Mode::Relative), 0);
-  std::future<int> waiting = std::async(std::launch::async, [this] { return robot.wait_for_motors(1); });
-  ASSERT_TRUE(tavtest::PollUntil(5000ms, [this] { return server.Controller().secondsUntilNextCompletion().has_value(); }))
-      << "the wait reached the simulator";
+  std::future<int> waiting =
+      std::async(std::launch::async, [this] { return robot.wait_for_motors(1); });
+  ASSERT_TRUE(tavtest::PollUntil(5000ms, [this] {
+    return server.Controller().secondsUntilNextCompletion().has_value();
+  })) << "the wait reached the simulator";
   double angle = 0.0;
   ASSERT_EQ(robot.get_angles(1, angle), 0);
-  EXPECT_EQ(waiting.wait_for(0ms), std::future_status::timeout) << "the query was answered while the wait pends";
+  EXPECT_EQ(waiting.wait_for(0ms), std::future_status::timeout)
+      << "the query was answered while the wait pends";
   ASSERT_EQ(robot.stop(), 0);
   EXPECT_EQ(waiting.get(), kMotionInterrupted);
-  ASSERT_EQ(robot.move_to_angles(1, 0.0, 10.0f, 10.0f, Relative_Mode::Absolute), 2001051) << "stopped";
+  ASSERT_EQ(robot.move_to_angles(1, 0.0, 10.0f, 10.0f, Relative_Mode::Absolute), 2001051)
+      << "stopped";
   ASSERT_EQ(robot.recover(), 0);
 }
 
@@ -170,7 +141,9 @@ TEST(RobotMotorCountTest, SetUpDiscoversAsManyMotorsAsTheSimulatorHas) {
     tavsim::SimulatorServer server(options);
     Robot robot;
     EXPECT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0);
-    EXPECT_EQ(robot.Setup("arm", kChannel, motors == kJoints ? Setup_Mode::Virtual : Setup_Mode::Real), 0);
+    EXPECT_EQ(
+        robot.Setup("arm", kChannel, motors == kJoints ? Setup_Mode::Virtual : Setup_Mode::Real),
+        0);
     size_t count = 0;
     int ids[10] = {};
     EXPECT_EQ(robot.get_motor_ids(count, ids), 0);
