@@ -69,9 +69,10 @@ enum class Traj_Close_Mode : int { Open = 0, Closed = 1 };
 /// number throws std::invalid_argument or std::out_of_range to the caller, as does a pose
 /// reply with fewer than six values. Reals in replies pass through single precision
 /// (about seven significant digits). The vector forms receive every value of the reply. The
-/// pointer forms never write more values than the caller can hold: `count` values for the
-/// forms with ids, one per cached motor id for the forms without; extra reply values are
-/// ignored with one Warning line in the log.
+/// pointer forms with a count write at most `count` values. The pointer forms without a count
+/// write one value per cached motor id (as Setup found them, up to ten), so the caller's array
+/// must hold that many: a `double[6]` overflows against a ten-motor controller. Prefer the
+/// vector forms there. Extra reply values are ignored with one Warning line in the log.
 ///
 /// **Threads.** Each Robot has its own connection and its own sender, receiver and heartbeat
 /// threads; several Robots in one process drive several arms independently. Commands may
