@@ -207,6 +207,19 @@ void Client::_eventCallback(Robot_Event event, void* client) {
   }
   PrintEventLine(event);
   session->_setStatus(event);
+  std::function<void(int)> listener;
+  {
+    std::lock_guard<std::mutex> lock(session->eventListenerMutex);
+    listener = session->eventListener;
+  }
+  if (listener) {
+    listener(event);
+  }
+}
+
+void Client::SetEventCallback(std::function<void(int)> callback) {
+  std::lock_guard<std::mutex> lock(eventListenerMutex);
+  eventListener = std::move(callback);
 }
 
 // The wait also ends with the heart disabled: after a logout no reply can come, and the heart
