@@ -2,7 +2,11 @@
 
 #include <pybind11/stl.h>
 
+#include <chrono>
+#include <condition_variable>
+#include <deque>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -26,6 +30,44 @@ tavsim::Fault ReadFault(const std::string& rule) {
   return *fault;
 }
 
+// The server's activity lines (connections, commands, faults applied), the latest kept.
+class ActivityLines {
+public:
+  static constexpr std::size_t kKept = 1000;
+
+  void Add(const std::string& line) {
+    {
+      std::lock_guard<std::mutex> lock(mutex);
+      lines.push_back(line);
+      if (lines.size() > kKept) {
+        lines.pop_front();
+      }
+    }
+    added.notify_all();
+  }
+  std::vector<std::string> All() const {
+    std::lock_guard<std::mutex> lock(mutex);
+    return {lines.begin(), lines.end()};
+  }
+  // Without the GIL.
+  bool WaitFor(const std::string& text, double seconds) const {
+    std::unique_lock<std::mutex> lock(mutex);
+    return added.wait_for(lock, std::chrono::duration<double>(seconds), [&] {
+      for (const std::string& line : lines) {
+        if (line.find(text) != std::string::npos) {
+          return true;
+        }
+      }
+      return false;
+    });
+  }
+
+private:
+  mutable std::mutex mutex;
+  mutable std::condition_variable added;
+  std::deque<std::string> lines;
+};
+
 // Owns the server; stopping joins its thread, which never needs the GIL.
 class Simulator {
 public:
@@ -44,6 +86,7 @@ public:
     tavsim::ServerOptions options;
     options.port = static_cast<std::uint16_t>(port);
     options.controller.motorCount = static_cast<std::size_t>(motors);
+    options.log = [log = activity](const std::string& line) { log->Add(line); };
     try {
       server = std::make_unique<tavsim::SimulatorServer>(options);
     } catch (const std::system_error& error) {
@@ -59,12 +102,18 @@ public:
   int Port() const { return server->Port(); }
   const std::string& Host() const { return server->Host(); }
   void AddFault(const std::string& rule) { server->Faults().Add(ReadFault(rule)); }
+  std::vector<std::string> Activity() const { return activity->All(); }
+  bool WaitForActivity(const std::string& text, double seconds) const {
+    py::gil_scoped_release release;
+    return activity->WaitFor(text, seconds);
+  }
   void Stop() {
     py::gil_scoped_release release;
     server->Stop();
   }
 
 private:
+  std::shared_ptr<ActivityLines> activity = std::make_shared<ActivityLines>();
   std::unique_ptr<tavsim::SimulatorServer> server;
 };
 
@@ -82,6 +131,10 @@ void BindSimulator(py::module_& module) {
       .def_property_readonly("host", &Simulator::Host, "The address it listens on.")
       .def("add_fault", &Simulator::AddFault, "rule"_a,
            "Changes some replies from now on; a rule as --fault takes it.")
+      .def_property_readonly("activity", &Simulator::Activity,
+                             "The latest lines of what it did: connections, commands, faults.")
+      .def("wait_for_activity", &Simulator::WaitForActivity, "text"_a, "timeout"_a = 10.0,
+           "Waits up to timeout seconds for an activity line containing text; True if one came.")
       .def("stop", &Simulator::Stop, "Closes every connection and the listener.")
       .def("__enter__", [](py::object self) { return self; })
       .def("__exit__", [](Simulator& simulator, const py::args&) { simulator.Stop(); });
