@@ -186,18 +186,21 @@ void BindSession(Binding& robot) {
 }
 
 void BindStateCommands(Binding& robot) {
-  const std::pair<const char*, int (Robot::*)()> commands[] = {
-      {"recover", &Robot::recover}, {"stop", &Robot::stop},         {"calibrate", &Robot::calibrate},
-      {"reset", &Robot::reset},     {"Shutdown", &Robot::Shutdown}};
-  const char* docs[] = {"Leaves the stopped state.", "Halts every motion; enters the stopped state.",
+  const std::pair<const char*, int (Robot::*)()> commands[] = {{"recover", &Robot::recover},
+                                                               {"stop", &Robot::stop},
+                                                               {"calibrate", &Robot::calibrate},
+                                                               {"reset", &Robot::reset},
+                                                               {"Shutdown", &Robot::Shutdown}};
+  const char* docs[] = {"Leaves the stopped state.",
+                        "Halts every motion; enters the stopped state.",
                         "Holds every motor and makes the controller ready (arm at rest).",
                         "Halts every motion, clears outputs, frees tools, holds every motor.",
                         "Halts and releases every motor; a new Setup is needed."};
   for (std::size_t i = 0; i < std::size(commands); ++i) {
     const auto command = commands[i].second;
     robot.def(
-        commands[i].first, [command](RobotSession& s) { Run([&] { return (s.Get().*command)(); }); },
-        docs[i]);
+        commands[i].first,
+        [command](RobotSession& s) { Run([&] { return (s.Get().*command)(); }); }, docs[i]);
   }
 }
 
@@ -236,8 +239,8 @@ void BindMotion(Binding& robot) {
           "Joint moves through tool poses; velocity deg/s, acceleration deg/s^2, interval s.")
       .def(
           "moveL",
-          [](RobotSession& s, Poses points, const Reals& radius, float velocity,
-             float acceleration, float interval, Traj_Close_Mode closed) {
+          [](RobotSession& s, Poses points, const Reals& radius, float velocity, float acceleration,
+             float interval, Traj_Close_Mode closed) {
             const bool isClosed = closed == Traj_Close_Mode::Closed;
             if (isClosed && points.size() < 2) {
               throw py::value_error("moveL: a closed path needs at least 2 points");
@@ -307,8 +310,8 @@ void BindQueries(Binding& robot) {
                     &Robot::get_current, "Motor currents in amperes.");
   BindQuery<double>(robot, "get_velocity", &Robot::get_velocity, &Robot::get_velocity,
                     &Robot::get_velocity, "Joint speeds in degrees per second.");
-  BindQuery<double>(robot, "get_angles", &Robot::get_angles, &Robot::get_angles,
-                    &Robot::get_angles, "Joint positions in degrees.");
+  BindQuery<double>(robot, "get_angles", &Robot::get_angles, &Robot::get_angles, &Robot::get_angles,
+                    "Joint positions in degrees.");
   BindQuery<int>(robot, "get_input", &Robot::get_input, &Robot::get_input, &Robot::get_input,
                  "Digital inputs, 0 or 1, by input id.");
   robot

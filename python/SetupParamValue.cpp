@@ -34,8 +34,10 @@ SetupParamValue SetupParamValue::From(const py::handle& param) {
   }
   const auto items = py::reinterpret_borrow<py::tuple>(param);
   if (items.size() != 5) {
-    throw py::value_error("param: expected 5 values (channel_name, channel_type, protocol, "
-                          "host_id, baud_rate), got " + std::to_string(items.size()));
+    throw py::value_error(
+        "param: expected 5 values (channel_name, channel_type, protocol, "
+        "host_id, baud_rate), got " +
+        std::to_string(items.size()));
   }
   return {Field<std::string, py::str>(items, 0, "channel_name", "str"),
           Field<std::string, py::str>(items, 1, "channel_type", "str"),

@@ -3,9 +3,11 @@
 # project, or, given package names, whatever of those is missing (scripts/docs.sh asks for doxygen).
 set -euo pipefail
 
-# clang-14 and its runtimes (libFuzzer among them) build the fuzzing harnesses.
+# clang-14 and its runtimes (libFuzzer among them) build the fuzzing harnesses; pybind11 and the
+# Python headers the Python module, pytest its tests; dpkg-dev and file let CPack build the
+# Debian packages.
 packages=(cmake g++ make pkg-config libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
-          libclang-rt-14-dev)
+          libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest dpkg-dev file)
 [ $# -gt 0 ] && packages=("$@")
 missing=()
 for p in "${packages[@]}"; do

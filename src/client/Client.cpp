@@ -137,11 +137,13 @@ int Client::GetResult(std::string name, std::map<std::string, std::string>& resu
   return _waitReply(closings, name, result, [this] { return !connected; });
 }
 
-int Client::Exchange(Tasks task, const std::string& name, std::map<std::string, std::string>& reply) {
+int Client::Exchange(Tasks task, const std::string& name,
+                     std::map<std::string, std::string>& reply) {
   return _exchange(std::move(task), name, reply, [] { return false; });
 }
 
-int Client::_exchange(Tasks task, const std::string& name, Reply& reply, const std::function<bool()>& giveUp) {
+int Client::_exchange(Tasks task, const std::string& name, Reply& reply,
+                      const std::function<bool()>& giveUp) {
   std::uint64_t closing = 0;
   {
     std::lock_guard<std::mutex> lock(connectionMutex);
@@ -158,7 +160,8 @@ int Client::_exchange(Tasks task, const std::string& name, Reply& reply, const s
 int Client::_waitReply(std::uint64_t closing, const std::string& name, Reply& result,
                        const std::function<bool()>& giveUp) {
   const auto timeout = std::chrono::duration<double>(replyTimeoutSeconds.load());
-  const auto deadline = Receiver::Clock::now() + std::chrono::duration_cast<Receiver::Clock::duration>(timeout);
+  const auto deadline =
+      Receiver::Clock::now() + std::chrono::duration_cast<Receiver::Clock::duration>(timeout);
   const int found = receiver.WaitRecv(
       name, result,
       [&] { return status != RobotEvents::kSuccess || closings != closing || giveUp(); }, deadline);
@@ -176,13 +179,9 @@ int Client::SetReplyTimeout(double seconds) {
   return RobotEvents::kSuccess;
 }
 
-void Client::GetClientIP(std::string& ip) {
-  ip = "192.168.1.100";
-}
+void Client::GetClientIP(std::string& ip) { ip = "192.168.1.100"; }
 
-LocalSystemInfo Client::GetLocalSystemInfo() {
-  return localSystemInfo;
-}
+LocalSystemInfo Client::GetLocalSystemInfo() { return localSystemInfo; }
 
 int Client::_loadLocalSystemInfo() {
   localSystemInfo.version = "0.1.0";

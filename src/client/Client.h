@@ -10,12 +10,12 @@
 #include <mutex>
 #include <string>
 
+#include "../common/RobotEvent.h"
 #include "Heart.h"
 #include "LocalSystemInfo.h"
 #include "Receiver.h"
 #include "Sender.h"
 #include "Tasks.h"
-#include "../common/RobotEvent.h"
 
 // The session with the controller: owns the socket and the Sender, Receiver and Heart threads,
 // queues outbound messages and waits for named replies. Each Client is a session of its own:
@@ -71,7 +71,8 @@ private:
   // sticky status, else 1002011), `giveUp` holds (the same) or the reply time-out passes.
   int _waitReply(std::uint64_t closing, const std::string& name, Reply& result,
                  const std::function<bool()>& giveUp);
-  int _exchange(Tasks task, const std::string& name, Reply& reply, const std::function<bool()>& giveUp);
+  int _exchange(Tasks task, const std::string& name, Reply& reply,
+                const std::function<bool()>& giveUp);
   // The code for a call on this session now: the sticky status, else 1001011 when not connected.
   int _refusal() const;
 
