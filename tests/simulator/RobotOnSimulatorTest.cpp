@@ -26,18 +26,17 @@ constexpr double kPoseTolerance = 1e-4;
 constexpr std::size_t kJoints = 6;
 constexpr int kMotionInterrupted = 2001081;
 
-short PortOf(const tavsim::SimulatorServer& server) {
-  return static_cast<short>(server.Port());
-}
+short PortOf(const tavsim::SimulatorServer& server) { return static_cast<short>(server.Port()); }
 
 // Angles that differ by whole turns (roll near +pi and -pi) are the same orientation.
-double AngleGap(double a, double b) {
-  return std::remainder(a - b, 2.0 * M_PI);
-}
+double AngleGap(double a, double b) { return std::remainder(a - b, 2.0 * M_PI); }
 
 void ExpectPoseNear(const _Pose& actual, const _Pose& expected, const std::string& what) {
-  const double gaps[] = {actual.x - expected.x, actual.y - expected.y, actual.z - expected.z,
-                         AngleGap(actual.roll, expected.roll), AngleGap(actual.pitch, expected.pitch),
+  const double gaps[] = {actual.x - expected.x,
+                         actual.y - expected.y,
+                         actual.z - expected.z,
+                         AngleGap(actual.roll, expected.roll),
+                         AngleGap(actual.pitch, expected.pitch),
                          AngleGap(actual.yaw, expected.yaw)};
   const char* const names[] = {"x", "y", "z", "roll", "pitch", "yaw"};
   for (std::size_t i = 0; i < 6; ++i) {
@@ -82,11 +81,14 @@ TEST_F(RobotOnSimulatorTest, JointMoveReachesItsTargetsInTheTimeItsProfileImplie
   const int ids[] = {1, 2, 3, 4, 5, 6};
 
   const auto begin = Clock::now();
-  ASSERT_EQ(robot.move_to_angles(kJoints, ids, targets.data(), velocity, acceleration, Relative_Mode::Absolute), 0);
+  ASSERT_EQ(robot.move_to_angles(kJoints, ids, targets.data(), velocity, acceleration,
+                                 Relative_Mode::Absolute),
+            0);
   ASSERT_EQ(robot.wait_for_motors(), 0);
   const double took = std::chrono::duration<double>(Clock::now() - begin).count();
 
-  const double expected = ProfileSeconds(longest, static_cast<double>(velocity), static_cast<double>(acceleration));
+  const double expected =
+      ProfileSeconds(longest, static_cast<double>(velocity), static_cast<double>(acceleration));
   EXPECT_NEAR(took, expected, 0.1 * expected) << "moving " << longest << " degrees";
   const std::vector<double> arrived = Angles();
   for (std::size_t i = 0; i < kJoints; ++i) {
@@ -102,7 +104,8 @@ TEST_F(RobotOnSimulatorTest, ForwardOfTheJointsIsThePoseAndInverseRoundTrips) {
   ASSERT_EQ(robot.forward(angles.data(), computed), 0);
   ExpectPoseNear(computed, pose, "forward of the current joints");
 
-  for (const auto& [dx, dy, dz] : std::vector<std::array<double, 3>>{{0.05, 0.0, 0.0}, {-0.1, 0.08, 0.05}, {0.0, -0.12, -0.1}}) {
+  for (const auto& [dx, dy, dz] : std::vector<std::array<double, 3>>{
+           {0.05, 0.0, 0.0}, {-0.1, 0.08, 0.05}, {0.0, -0.12, -0.1}}) {
     _Pose target = pose;
     target.x += dx;
     target.y += dy;
@@ -135,22 +138,27 @@ TEST_F(RobotOnSimulatorTest, LinearPathEndsAtItsLastPointAndIoAndGripperRespond)
   EXPECT_EQ(level, 1) << "outputs are wired back to inputs";
 
   ASSERT_EQ(robot.set_EOAT_action("gripper", "close"), 0);
-  EXPECT_TRUE(tavtest::PollUntil(3000ms, [&] { return robot.get_input(9, level) == 0 && level == 1; }))
-      << "the gripper's closed sensor";
+  EXPECT_TRUE(tavtest::PollUntil(3000ms, [&] {
+    return robot.get_input(9, level) == 0 && level == 1;
+  })) << "the gripper's closed sensor";
   EXPECT_EQ(robot.set_EOAT_action("gripper", "explode"), 2001071);
 }
 
 TEST_F(RobotOnSimulatorTest, PendingWaitHoldsUpNoOtherCallerAndStopEndsIt) {
   ASSERT_EQ(robot.move_to_angles(1, 60.0, 10.0f, 10.0f, Relative_Mode::Relative), 0);
-  std::future<int> waiting = std::async(std::launch::async, [this] { return robot.wait_for_motors(1); });
-  ASSERT_TRUE(tavtest::PollUntil(5000ms, [this] { return server.Controller().secondsUntilNextCompletion().has_value(); }))
-      << "the wait reached the simulator";
+  std::future<int> waiting =
+      std::async(std::launch::async, [this] { return robot.wait_for_motors(1); });
+  ASSERT_TRUE(tavtest::PollUntil(5000ms, [this] {
+    return server.Controller().secondsUntilNextCompletion().has_value();
+  })) << "the wait reached the simulator";
   double angle = 0.0;
   ASSERT_EQ(robot.get_angles(1, angle), 0);
-  EXPECT_EQ(waiting.wait_for(0ms), std::future_status::timeout) << "the query was answered while the wait pends";
+  EXPECT_EQ(waiting.wait_for(0ms), std::future_status::timeout)
+      << "the query was answered while the wait pends";
   ASSERT_EQ(robot.stop(), 0);
   EXPECT_EQ(waiting.get(), kMotionInterrupted);
-  ASSERT_EQ(robot.move_to_angles(1, 0.0, 10.0f, 10.0f, Relative_Mode::Absolute), 2001051) << "stopped";
+  ASSERT_EQ(robot.move_to_angles(1, 0.0, 10.0f, 10.0f, Relative_Mode::Absolute), 2001051)
+      << "stopped";
   ASSERT_EQ(robot.recover(), 0);
 }
 
@@ -170,7 +178,9 @@ TEST(RobotMotorCountTest, SetUpDiscoversAsManyMotorsAsTheSimulatorHas) {
     tavsim::SimulatorServer server(options);
     Robot robot;
     EXPECT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0);
-    EXPECT_EQ(robot.Setup("arm", kChannel, motors == kJoints ? Setup_Mode::Virtual : Setup_Mode::Real), 0);
+    EXPECT_EQ(
+        robot.Setup("arm", kChannel, motors == kJoints ? Setup_Mode::Virtual : Setup_Mode::Real),
+        0);
     size_t count = 0;
     int ids[10] = {};
     EXPECT_EQ(robot.get_motor_ids(count, ids), 0);
@@ -189,9 +199,16 @@ TEST(RobotArmsTest, OneFailingSessionLeavesTheOtherAnswering) {
   ASSERT_EQ(failing.RobotLogin("127.0.0.1", PortOf(failingServer)), 0);
   ASSERT_EQ(healthy.RobotLogin("127.0.0.1", PortOf(healthyServer)), 0);
   ASSERT_EQ(healthy.Setup("arm", kChannel, Setup_Mode::Virtual), 0);
+  std::promise<int> failingEvent;
+  failing.SetEventCallback([&failingEvent](int code) { failingEvent.set_value(code); });
+  healthy.SetEventCallback(
+      [](int code) { ADD_FAILURE() << "event " << code << " on the healthy arm"; });
   failingServer.Faults().Add(tavsim::Fault::CloseConnection("get_angles"));
   double angle = 0.0;
   EXPECT_EQ(failing.get_angles(1, angle), RobotEvents::kReceiveFailed);
+  std::future<int> reported = failingEvent.get_future();
+  ASSERT_EQ(reported.wait_for(10s), std::future_status::ready);
+  EXPECT_EQ(reported.get(), RobotEvents::kReceiveFailed);
 
   ASSERT_EQ(healthy.move_to_angles(2, -30.0, 200.0f, 400.0f, Relative_Mode::Absolute), 0);
   ASSERT_EQ(healthy.wait_for_motors(2), 0);
