@@ -49,13 +49,17 @@ enum class Traj_Close_Mode : int { Open = 0, Closed = 1 };
 /// - 1003021 when a reply could not be read;
 /// - 1003031 when no reply came within the reply time-out (SetReplyTimeout, default 3600 s);
 ///   the session stays usable;
+/// - 1003041 when nothing at all arrived from the controller for the silence limit
+///   (SetHeartbeat, default 20 s);
+/// - 1006011 for a null pointer where values are read or written (an array may be null only
+///   when its count is 0) and for a null text;
 /// - 2002011 when the controller could not read the request, 2002021 when the request arrived
 ///   damaged (not run).
 ///
 /// A transport failure (sending failed, the controller closed the connection, a reply could
-/// not be read) or an error message from the controller (2002011) is sticky: every later call
-/// returns the same code until a new Robot is made. The controller's answers to commands
-/// (2001xxx) and a reply time-out are not sticky.
+/// not be read, the controller fell silent) or an error message from the controller (2002011)
+/// is sticky: every later call returns the same code until the next RobotLogin. The controller's
+/// answers to commands (2001xxx) and a reply time-out are not sticky.
 ///
 /// **Waiting.** Every command blocks its caller until the controller's reply or a failure.
 /// Moves return once the controller has accepted them, not when the arm arrives:
@@ -100,11 +104,24 @@ public:
 
   /// Connects to the controller at `ip` (dotted IPv4 text) and TCP `port`, introduces the
   /// client and waits for the controller's verdict. Ports above 32767 are passed as
-  /// `static_cast<short>(port)`. Codes: 1004011 (not an IPv4 address), 1004021 (nobody
-  /// accepts the connection), or the controller's refusal. A failure after the connect leaves
-  /// the connection open; RobotLogout closes it. After a logout the same Robot may log in
-  /// again.
+  /// `static_cast<short>(port)`. Codes: 1004011 (null or not an IPv4 address), 1004021
+  /// (nobody accepts the connection), or the controller's refusal. A failure after the connect
+  /// leaves the connection open; RobotLogout closes it.
+  ///
+  /// Every RobotLogin starts a fresh session, whatever ended the last one (a logout, a
+  /// refusal, a failure, silence): the old connection is closed, its sticky code cleared and
+  /// whatever it left behind dropped; the motor ids are forgotten until the next Setup. So a
+  /// retry loop on one Robot reconnects as soon as the controller is back:
+  /// `while (robot.RobotLogin(ip, port) != 0) sleep(1);`
   int RobotLogin(const char* ip, short port);
+  /// The heartbeat and its watchdog, in seconds: while logged in a heartbeat goes out every
+  /// `period_seconds` (9 by default), and once nothing at all has arrived from the controller
+  /// for `silence_limit_seconds` (20 by default) the session fails with 1003041, which every
+  /// waiting call returns at once. A controller busy with a long command still answers
+  /// heartbeats and is never failed. The period applies from the next heartbeat, the limit at
+  /// once. Codes: 1006011 (a value not positive or not finite, or a limit not above the
+  /// period; the previous values are kept).
+  using Client::SetHeartbeat;
   /// Closes the connection without sending anything and releases every call still waiting
   /// (they return 1002011). Always 0. The cached motor ids are kept.
   int RobotLogout();
@@ -330,8 +347,8 @@ private:
                    std::vector<Number>& values);
   // At most `capacity` values are written.
   template <typename Number>
-  int _queryValues(const std::string& function_name, const Parameters& parameters,
-                   Number* values, size_t capacity);
+  int _queryValues(const std::string& function_name, const Parameters& parameters, Number* values,
+                   size_t capacity);
   int _queryPose(const std::string& function_name, const Parameters& parameters, _Pose& pose);
 
   // The keys of moveJ, moveL and moveP: the points, then the path's speeds and closure.

@@ -43,6 +43,7 @@ Client::Client() {
   receiver.RobotEventRegister(&Client::_eventCallback, this);
   receiver.Start();
   heart.HeartEventRegister(&Client::_heartCallback, this);
+  heart.WatchdogRegister(&Client::_lastHeard, &Client::_silenceCallback);
   heart.Start();
   // The resource status is not kept: a session starts healthy whatever the directories did.
   TavResource::GetInstance().Load();
@@ -61,16 +62,16 @@ Client::~Client() {
 }
 
 int Client::InitializeSocket(const char* ip, short port) {
-  if (status != RobotEvents::kSuccess) {
-    return status;
-  }
-  if (connected) {
-    FinalizeSocket();
-  }
+  // The workers are off the old connection once it is closed, and no report of theirs or of the
+  // watchdog is in flight: nothing of the old session can fail the new one.
+  FinalizeSocket();
+  receiver.Forget();
+  eventReported = false;
+  status = RobotEvents::kSuccess;
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(static_cast<std::uint16_t>(port));
-  if (::inet_pton(AF_INET, ip, &address.sin_addr) < 1) {
+  if (ip == nullptr || ::inet_pton(AF_INET, ip, &address.sin_addr) < 1) {
     return RobotEvents::kSocketSetupFailed;
   }
   const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -139,11 +140,6 @@ int Client::GetResult(std::string name, std::map<std::string, std::string>& resu
 
 int Client::Exchange(Tasks task, const std::string& name,
                      std::map<std::string, std::string>& reply) {
-  return _exchange(std::move(task), name, reply, [] { return false; });
-}
-
-int Client::_exchange(Tasks task, const std::string& name, Reply& reply,
-                      const std::function<bool()>& giveUp) {
   std::uint64_t closing = 0;
   {
     std::lock_guard<std::mutex> lock(connectionMutex);
@@ -154,7 +150,7 @@ int Client::_exchange(Tasks task, const std::string& name, Reply& reply,
     receiver.Expect(name);
     sender.AddTask(std::move(task));
   }
-  return _waitReply(closing, name, reply, giveUp);
+  return _waitReply(closing, name, reply, [] { return false; });
 }
 
 int Client::_waitReply(std::uint64_t closing, const std::string& name, Reply& result,
@@ -179,6 +175,24 @@ int Client::SetReplyTimeout(double seconds) {
   return RobotEvents::kSuccess;
 }
 
+int Client::SetHeartbeat(double periodSeconds, double silenceLimitSeconds) {
+  for (const double seconds : {periodSeconds, silenceLimitSeconds}) {
+    if (!std::isfinite(seconds) || seconds <= 0) {
+      return RobotEvents::kInvalidArgument;
+    }
+  }
+  if (silenceLimitSeconds <= periodSeconds) {
+    return RobotEvents::kInvalidArgument;
+  }
+  using Seconds = std::chrono::duration<double>;
+  const auto duration = [](double seconds) {
+    return std::chrono::duration_cast<Heart::Clock::duration>(
+        Seconds(std::fmin(seconds, kLongestReplyTimeoutSeconds)));
+  };
+  heart.SetTiming(duration(periodSeconds), duration(silenceLimitSeconds));
+  return RobotEvents::kSuccess;
+}
+
 void Client::GetClientIP(std::string& ip) { ip = "192.168.1.100"; }
 
 LocalSystemInfo Client::GetLocalSystemInfo() { return localSystemInfo; }
@@ -195,9 +209,9 @@ void Client::_setStatus(Robot_Event event) {
   receiver.WakeWaiters();
 }
 
-// The first event fails the session for good; a later one follows from it (a reset meets the
-// Receiver in its read and the Sender in its send) and is left to its worker's log line, so the
-// code that calls have returned stays the session's. Printed before the status is set, so
+// The first event fails the session until the next login; a later one follows from it (a reset
+// meets the Receiver in its read and the Sender in its send) and is left to its worker's log line,
+// so the code that calls have returned stays the session's. Printed before the status is set, so
 // whoever sees the status also finds the line.
 void Client::_eventCallback(Robot_Event event, void* client) {
   Client* session = static_cast<Client*>(client);
@@ -221,12 +235,24 @@ void Client::SetEventCallback(std::function<void(int)> callback) {
   eventListener = std::move(callback);
 }
 
-// The wait also ends with the heart disabled: after a logout no reply can come, and the heart
-// thread must be free to stop.
+// A heartbeat is not waited for: the watchdog listens for whatever the controller sends. The
+// reply of the previous one, if it is still filed, is dropped, so at most one is kept.
 void Client::_heartCallback(void* context) {
   Client* client = static_cast<Client*>(context);
-  Tasks heartbeat;
-  heartbeat.type = Tasks::kHeartbeat;
-  Reply reply;
-  client->_exchange(heartbeat, "heart", reply, [client] { return !client->heart.IsEnabled(); });
+  std::lock_guard<std::mutex> lock(client->connectionMutex);
+  if (client->_refusal() != RobotEvents::kSuccess) {
+    return;
+  }
+  client->receiver.Expect("heart");
+  client->sender.AddTask(Tasks{Tasks::kHeartbeat, {}});
+}
+
+void Client::_silenceCallback(void* context) {
+  TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kControllerSilent,
+                                 "Heart thread: the controller fell silent.");
+  _eventCallback(RobotEvents::kControllerSilent, context);
+}
+
+Heart::Clock::time_point Client::_lastHeard(void* context) {
+  return static_cast<Client*>(context)->receiver.LastArrival();
 }

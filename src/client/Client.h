@@ -22,10 +22,14 @@
 // its workers report to it alone, so several live side by side in one process.
 //
 // One status code is sticky: once a worker has reported an event (or a connect failed) every
-// operation returns it, and the session stays failed until a new Client is made. Only the
+// operation returns it until the next InitializeSocket, which starts a fresh session. Only the
 // first event is reported: a later one follows from the failure already reported. Closing the
 // connection (FinalizeSocket from any thread, the peer, a failed read) releases every waiting
 // call at once. Destroying a connected Client closes its connection first.
+//
+// The heart is the watchdog: while connected it sends a heartbeat every period and fails the
+// session with 1003041 once nothing at all has arrived for the silence limit. A controller
+// that is busy with a long command still answers heartbeats, so it is never failed.
 class Client {
 public:
   static constexpr double kDefaultReplyTimeoutSeconds = 3600.0;
@@ -35,7 +39,8 @@ public:
   Client(const Client&) = delete;
   Client& operator=(const Client&) = delete;
 
-  // Connects; a Client already connected closes its old connection first.
+  // Starts a fresh session: ends the old one whatever its state (its connection, queued tasks,
+  // filed replies and sticky status go), then connects. 1004011 for a null or non-IPv4 `ip`.
   int InitializeSocket(const char* ip, short port);
   // Closes the connection; releases every waiting call. Nothing to do when not connected.
   int FinalizeSocket();
@@ -55,6 +60,13 @@ public:
   /// should only hand the code on. An empty function removes it; a callback already under
   /// way may still finish after its removal.
   void SetEventCallback(std::function<void(int)> callback);
+  /// Sets the heartbeat period and the silence limit, in seconds (9 and 20 by default): while
+  /// connected a heartbeat goes out every period, and once nothing at all has arrived from the
+  /// controller for the silence limit the session fails with 1003041, releasing every waiting
+  /// call. The period applies from the next heartbeat, the limit at once. A non-positive or
+  /// non-finite value, or a limit not above the period, returns 1006011 and keeps the previous
+  /// values.
+  int SetHeartbeat(double periodSeconds, double silenceLimitSeconds);
   void GetClientIP(std::string& ip);
   LocalSystemInfo GetLocalSystemInfo();
   int _loadLocalSystemInfo();
@@ -62,6 +74,8 @@ public:
   // The workers' callbacks; `client` is the Client that registered them.
   static void _eventCallback(Robot_Event event, void* client);
   static void _heartCallback(void* client);
+  static void _silenceCallback(void* client);
+  static Heart::Clock::time_point _lastHeard(void* client);
 
 private:
   using Reply = std::map<std::string, std::string>;
@@ -71,8 +85,6 @@ private:
   // sticky status, else 1002011), `giveUp` holds (the same) or the reply time-out passes.
   int _waitReply(std::uint64_t closing, const std::string& name, Reply& result,
                  const std::function<bool()>& giveUp);
-  int _exchange(Tasks task, const std::string& name, Reply& reply,
-                const std::function<bool()>& giveUp);
   // The code for a call on this session now: the sticky status, else 1001011 when not connected.
   int _refusal() const;
 

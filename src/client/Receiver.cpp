@@ -10,7 +10,8 @@
 #include "common/TavLogger.h"
 #include "common/TavUtils.h"
 
-Receiver::Receiver() : SocketWorker("Receiver thread setup succeed.", "Receiver thread shutdown succeed.") {}
+Receiver::Receiver()
+    : SocketWorker("Receiver thread setup succeed.", "Receiver thread shutdown succeed.") {}
 
 Receiver::~Receiver() {
   _requestStop();
@@ -22,9 +23,7 @@ void Receiver::Stop() {
   Join();
 }
 
-int Receiver::_GenerateMsg(std::string& message) {
-  return framer.Next(message);
-}
+int Receiver::_GenerateMsg(std::string& message) { return framer.Next(message); }
 
 int Receiver::GetRecv(std::string name, Message& result) {
   std::lock_guard<std::mutex> lock(storeMutex);
@@ -37,8 +36,8 @@ void Receiver::Expect(const std::string& name) {
   abandoned.erase(name);
 }
 
-int Receiver::WaitRecv(const std::string& name, Message& result, const std::function<bool()>& abandon,
-                       Clock::time_point deadline) {
+int Receiver::WaitRecv(const std::string& name, Message& result,
+                       const std::function<bool()>& abandon, Clock::time_point deadline) {
   std::unique_lock<std::mutex> lock(storeMutex);
   std::condition_variable filed;
   const auto registration = waiters.emplace(name, &filed);
@@ -56,6 +55,12 @@ void Receiver::WakeWaiters() {
   for (const auto& [name, waiter] : waiters) {
     waiter->notify_all();
   }
+}
+
+void Receiver::Forget() {
+  std::lock_guard<std::mutex> lock(storeMutex);
+  store.clear();
+  abandoned.clear();
 }
 
 int Receiver::_takeLocked(const std::string& name, Message& result) {
@@ -76,7 +81,8 @@ std::string Receiver::_addBounded(Entries& entries, const std::string& name, Mes
   }
   auto oldest = entries.begin();
   for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
-    if (entry->second.order < oldest->second.order) oldest = entry;
+    if (entry->second.order < oldest->second.order)
+      oldest = entry;
   }
   std::string dropped = oldest->first;
   entries.erase(oldest);
@@ -106,11 +112,11 @@ bool Receiver::_work() {
       TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kReceiveFailed,
                                      received == 0 ? "Receiver thread connection closed by peer."
                                                    : "Receiver thread recv failed.");
-      Unload();
-      _report(RobotEvents::kReceiveFailed);
+      _report(load, RobotEvents::kReceiveFailed, true);
     }
     return false;
   }
+  lastArrival = Clock::now().time_since_epoch().count();
   // Bytes of an earlier connection cannot complete a message of this one.
   if (load != framedLoad) {
     framer.Clear();
@@ -132,7 +138,7 @@ void Receiver::_handleStream() {
     handledAny = true;
   }
   if (generated == RobotEvents::kDecodeFailed) {
-    _stopForGood(generated, "Receiver thread message too long.");
+    _endConnection(generated, "Receiver thread message too long.");
   } else if (!handledAny) {
     TavLogger::GetInstance().Warning(generated, "Receiver thread generate failed.");
     status = generated;
@@ -144,16 +150,17 @@ bool Receiver::_handleMessage(std::string& message) {
   Message result;
   const int decoded = _decode(result, message);
   if (decoded != RobotEvents::kSuccess) {
-    _stopForGood(decoded, "Receiver thread unwrap failed.");
+    _endConnection(decoded, "Receiver thread unwrap failed.");
     return false;
   }
   const std::string name = result["identifier"];
   if (name == "Error") {
     // An error that names no code must still fail the session: as a status, 0 would mean success.
     Robot_Event event = GetRobotEvent(result["errorcode"]);
-    if (event == RobotEvents::kSuccess) event = RobotEvents::kDecodeFailed;
+    if (event == RobotEvents::kSuccess)
+      event = RobotEvents::kDecodeFailed;
     logger.Error(TAV_ERROR, event, "Receiver thread recv an error from KestServer.");
-    _report(event);
+    _report(framedLoad, event, false);
     return true;
   }
   logger.Info("Receiver thread recv a %s msg", name.c_str());
@@ -161,12 +168,10 @@ bool Receiver::_handleMessage(std::string& message) {
   return true;
 }
 
-void Receiver::_stopForGood(Robot_Event event, const char* line) {
+void Receiver::_endConnection(Robot_Event event, const char* line) {
   TavLogger::GetInstance().Error(TAV_ERROR, event, line);
   framer.Clear();
-  _report(event);
-  Unload();
-  _requestStop();
+  _report(framedLoad, event, true);
 }
 
 // The parser lets std::out_of_range through for some malformed shapes; on this thread that is

@@ -1,6 +1,7 @@
 #ifndef TAVCLIENT_CLIENT_RECEIVER_H
 #define TAVCLIENT_CLIENT_RECEIVER_H
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -9,9 +10,9 @@
 #include <mutex>
 #include <string>
 
+#include "../protocol/Parser.h"
 #include "MessageFramer.h"
 #include "SocketWorker.h"
-#include "../protocol/Parser.h"
 
 // Owns the inbound direction: reads the socket, cuts "<root>" ... "</root>" messages out of
 // the stream, decodes them and files each under its name ("identifier") in the result store,
@@ -22,11 +23,11 @@
 // wait for before sending (Expect), which drops any stale entry of that name; a reply whose
 // caller gave up is dropped when it arrives; replies nobody announced are kept up to
 // kMaxUnclaimedReplies, the oldest dropped first. A reply whose name is already waiting in the
-// store is dropped (kept on purpose); a message that cannot be decoded stops the Receiver for
-// good.
+// store is dropped (kept on purpose).
 //
-// A closed peer or a failed read is reported once as 1002011; the Receiver then unloads
-// itself and stays idle until it is loaded again.
+// A closed peer or a failed read is reported once as 1002011, a message that cannot be
+// decoded as 1003021; either ends the connection for the Receiver: it unloads itself and stays
+// idle until it is loaded again.
 class Receiver : public SocketWorker {
 public:
   using Message = std::map<std::string, std::string>;
@@ -49,6 +50,12 @@ public:
   int WaitRecv(const std::string& name, Message& result, const std::function<bool()>& abandon,
                Clock::time_point deadline);
   void WakeWaiters();
+  // Drops every filed reply and every word left by waiters: they belong to an old connection.
+  void Forget();
+  // When the last bytes arrived, of any connection; the epoch before any.
+  Clock::time_point LastArrival() const {
+    return Clock::time_point(Clock::duration(lastArrival.load()));
+  }
   void Stop();
 
 protected:
@@ -66,9 +73,9 @@ private:
 
   // Cuts, decodes and files or reports every complete message of the stream buffer.
   void _handleStream();
-  // Decodes and files or reports one message; false when the Receiver must stop for good.
+  // Decodes and files or reports one message; false when it ended the connection.
   bool _handleMessage(std::string& message);
-  void _stopForGood(Robot_Event event, const char* line);
+  void _endConnection(Robot_Event event, const char* line);
   int _decode(Message& result, std::string& message);
   void _file(const std::string& name, const Message& result);
   int _takeLocked(const std::string& name, Message& result);
@@ -80,6 +87,7 @@ private:
   char receiveBuffer[kReadSize] = {};
   MessageFramer framer;
   std::uint64_t framedLoad = 0;  // the load whose bytes the framer holds
+  std::atomic<Clock::rep> lastArrival{0};
   Parser parser;
   // Guarded by storeMutex.
   Entries store;

@@ -8,7 +8,8 @@
 
 #include "common/TavLogger.h"
 
-Sender::Sender() : SocketWorker("Sender thread setup succeed.", "Sender thread shutdown succeed.") {}
+Sender::Sender()
+    : SocketWorker("Sender thread setup succeed.", "Sender thread shutdown succeed.") {}
 
 Sender::~Sender() {
   {
@@ -33,9 +34,7 @@ void Sender::ClearQueue() {
   queue.clear();
 }
 
-void Sender::Stop() {
-  _requestStop();
-}
+void Sender::Stop() { _requestStop(); }
 
 bool Sender::_work() {
   if (!running) {
@@ -67,10 +66,9 @@ bool Sender::_work() {
     return false;
   }
   if (sent == -1) {
-    TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kSendFailed, "Sender thread send failed.");
-    _report(RobotEvents::kSendFailed);
-    Unload();
-    Stop();
+    TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kSendFailed,
+                                   "Sender thread send failed.");
+    _report(load, RobotEvents::kSendFailed, true);
     return false;
   }
   return true;

@@ -6,13 +6,13 @@
 #include <mutex>
 #include <string>
 
+#include "../protocol/Parser.h"
 #include "SocketWorker.h"
 #include "Tasks.h"
-#include "../protocol/Parser.h"
 
 // Owns the outbound direction: takes queued tasks in arrival order, turns each into one
-// message text and writes it with one send. A failed send is final: the Sender reports
-// 1001011, unloads and stops, and what is still queued is never sent.
+// message text and writes it with one send. A failed send ends the connection for the Sender:
+// it reports 1001011 and unloads, and what is still queued is never sent.
 //
 // While waiting for a task it does not look at its flags: after Unload or Stop it notices
 // them only when the next task arrives (which is then dropped if unloaded). Destruction wakes

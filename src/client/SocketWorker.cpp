@@ -1,6 +1,7 @@
 #include "client/SocketWorker.h"
 
-SocketWorker::SocketWorker(const char* setup, const char* shutdown) : WorkerThread(setup, shutdown) {}
+SocketWorker::SocketWorker(const char* setup, const char* shutdown)
+    : WorkerThread(setup, shutdown) {}
 
 void SocketWorker::RobotEventRegister(EventCallback callback) {
   eventCallback = callback;
@@ -14,18 +15,18 @@ void SocketWorker::RobotEventRegister(ContextEventCallback callback, void* conte
 }
 
 void SocketWorker::Load(int& socket) {
+  std::lock_guard<std::mutex> lock(reportMutex);
   socketFd = socket;
   ++loads;
   _setActive(true);
 }
 
 void SocketWorker::Unload() {
+  std::lock_guard<std::mutex> lock(reportMutex);
   _setActive(false);
 }
 
-void SocketWorker::WaitSocketReleased() {
-  std::lock_guard<std::mutex> lock(socketUse);
-}
+void SocketWorker::WaitSocketReleased() { std::lock_guard<std::mutex> lock(socketUse); }
 
 void SocketWorker::_eventCall() {
   if (contextEventCallback != nullptr) {
@@ -35,7 +36,15 @@ void SocketWorker::_eventCall() {
   }
 }
 
-void SocketWorker::_report(Robot_Event event) {
+bool SocketWorker::_report(std::uint64_t load, Robot_Event event, bool endsConnection) {
+  std::lock_guard<std::mutex> lock(reportMutex);
+  if (!_isCurrent(load)) {
+    return false;
+  }
+  if (endsConnection) {
+    _setActive(false);
+  }
   status = event;
   _eventCall();
+  return true;
 }

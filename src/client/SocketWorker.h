@@ -5,15 +5,16 @@
 #include <cstdint>
 #include <mutex>
 
-#include "WorkerThread.h"
 #include "../common/RobotEvent.h"
+#include "WorkerThread.h"
 
 // What the Sender and the Receiver share: the connected socket they are loaded with, their
 // last status code and the event callback through which they report it to their session.
 //
 // Every Load starts a new connection. A worker notes the load before its socket call and
-// reports a failure only if that load is still current, so the end of a connection that was
-// already unloaded (or replaced by a new login) is never reported into the next one.
+// reports only while that load is still current; Load and Unload wait for a report in
+// progress, so nothing of a connection that was unloaded (or replaced by a new login) is
+// ever reported into the next one.
 class SocketWorker : public WorkerThread {
 public:
   using EventCallback = void (*)(Robot_Event);
@@ -32,8 +33,10 @@ public:
   void _eventCall();
 
 protected:
-  // Records `event` as the status and reports it through the callback.
-  void _report(Robot_Event event);
+  // Records `event` as the status and reports it through the callback, if the connection of
+  // `load` is still the one loaded; one that `endsConnection` also unloads the worker.
+  // Returns whether it reported.
+  bool _report(std::uint64_t load, Robot_Event event, bool endsConnection);
   // Whether the connection of `load` is the one still loaded.
   bool _isCurrent(std::uint64_t load) const { return active && loads == load; }
 
@@ -44,6 +47,8 @@ protected:
   std::mutex socketUse;
 
 private:
+  // Held across checking the load and reporting, and by Load and Unload.
+  std::mutex reportMutex;
   EventCallback eventCallback = nullptr;
   ContextEventCallback contextEventCallback = nullptr;
   void* eventContext = nullptr;

@@ -1,4 +1,5 @@
 #include "Robot.h"
+#include "robot/Arguments.h"
 #include "robot/ParameterText.h"
 
 namespace {
@@ -7,6 +8,9 @@ constexpr size_t kArmJoints = 6;
 
 // Joint angles in, one per cached motor id ("[]" before motor discovery).
 int Robot::forward(const double* angles, _Pose& pose) {
+  if (!Arguments::Holds(motorIds.size(), angles)) {
+    return RobotEvents::kInvalidArgument;
+  }
   return _queryPose("forward", {{"angles", ParameterText::RealList(motorIds.size(), angles)}},
                     pose);
 }

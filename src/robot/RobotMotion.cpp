@@ -1,4 +1,5 @@
 #include "Robot.h"
+#include "robot/Arguments.h"
 #include "robot/ParameterText.h"
 
 using ParameterText::IdList;
@@ -30,6 +31,9 @@ int Robot::move_to_angles(int motor_id, double position, float velocity, float a
 // "block" 0: the controller answers once it has accepted the move, not when the move ends.
 int Robot::move_to_angles(unsigned long count, const int* motor_ids, const double* positions,
                           float velocity, float acceleration, Relative_Mode mode) {
+  if (!Arguments::Holds(count, motor_ids) || !Arguments::Holds(count, positions)) {
+    return RobotEvents::kInvalidArgument;
+  }
   return _command("move_to_angles", {{"motor_ids", IdList(count, motor_ids)},
                                      {"position", RealList(count, positions)},
                                      {"velocity", Real(velocity)},
@@ -58,19 +62,28 @@ Robot::Parameters Robot::_pathParameters(unsigned long n, const _Pose* points, f
           {"closed", Integer(ModeValue(closed))}};
 }
 
-int Robot::moveJ(unsigned long n, _Pose* points, float velocity, float acceleration,
-                 float interval, Traj_Close_Mode closed) {
+int Robot::moveJ(unsigned long n, _Pose* points, float velocity, float acceleration, float interval,
+                 Traj_Close_Mode closed) {
+  if (!Arguments::Holds(n, points)) {
+    return RobotEvents::kInvalidArgument;
+  }
   return _command("moveJ", _pathParameters(n, points, velocity, acceleration, interval, closed));
 }
 
-int Robot::moveP(unsigned long n, _Pose* points, float velocity, float acceleration,
-                 float interval, Traj_Close_Mode closed) {
+int Robot::moveP(unsigned long n, _Pose* points, float velocity, float acceleration, float interval,
+                 Traj_Close_Mode closed) {
+  if (!Arguments::Holds(n, points)) {
+    return RobotEvents::kInvalidArgument;
+  }
   return _command("moveP", _pathParameters(n, points, velocity, acceleration, interval, closed));
 }
 
 // As moveJ, with the blend radii right after the points.
 int Robot::moveL(unsigned long n, _Pose* points, const double* radius, float velocity,
                  float acceleration, float interval, Traj_Close_Mode closed) {
+  if (!Arguments::Holds(n, points) || !Arguments::Holds(RadiusCount(n, closed), radius)) {
+    return RobotEvents::kInvalidArgument;
+  }
   Parameters parameters = _pathParameters(n, points, velocity, acceleration, interval, closed);
   parameters.insert(parameters.begin() + 1, {"radius", RealList(RadiusCount(n, closed), radius)});
   return _command("moveL", parameters);

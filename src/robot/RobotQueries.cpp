@@ -1,4 +1,5 @@
 #include "Robot.h"
+#include "robot/Arguments.h"
 #include "robot/ParameterText.h"
 
 using ParameterText::IdList;
@@ -12,9 +13,15 @@ int Robot::get_current(int motor_id, double& value) {
 }
 // The controller serves currents of a motor list through "get_angles".
 int Robot::get_current(unsigned long count, const int* motor_ids, double* values) {
+  if (!Arguments::Holds(count, motor_ids)) {
+    return RobotEvents::kInvalidArgument;
+  }
   return _queryValues("get_angles", {{"motor_ids", IdList(count, motor_ids)}}, values, count);
 }
 int Robot::get_current(unsigned long count, const int* motor_ids, std::vector<double>& values) {
+  if (!Arguments::Holds(count, motor_ids)) {
+    return RobotEvents::kInvalidArgument;
+  }
   return _queryValues("get_angles", {{"motor_ids", IdList(count, motor_ids)}}, values);
 }
 int Robot::get_current(double* values) {
@@ -28,9 +35,15 @@ int Robot::get_velocity(int motor_id, double& value) {
   return _queryValue("get_velocity", {{"motor_ids", IdList(motor_id)}}, value);
 }
 int Robot::get_velocity(unsigned long count, const int* motor_ids, double* values) {
+  if (!Arguments::Holds(count, motor_ids)) {
+    return RobotEvents::kInvalidArgument;
+  }
   return _queryValues("get_velocity", {{"motor_ids", IdList(count, motor_ids)}}, values, count);
 }
 int Robot::get_velocity(unsigned long count, const int* motor_ids, std::vector<double>& values) {
+  if (!Arguments::Holds(count, motor_ids)) {
+    return RobotEvents::kInvalidArgument;
+  }
   return _queryValues("get_velocity", {{"motor_ids", IdList(count, motor_ids)}}, values);
 }
 int Robot::get_velocity(double* values) {
@@ -61,9 +74,15 @@ int Robot::get_input(int motor_id, int& value) {
   return _queryValue("get_input", {{"motor_ids", IdList(motor_id)}}, value);
 }
 int Robot::get_input(unsigned long count, const int* motor_ids, int* values) {
+  if (!Arguments::Holds(count, motor_ids)) {
+    return RobotEvents::kInvalidArgument;
+  }
   return _queryValues("get_input", {{"motor_ids", IdList(count, motor_ids)}}, values, count);
 }
 int Robot::get_input(unsigned long count, const int* motor_ids, std::vector<int>& values) {
+  if (!Arguments::Holds(count, motor_ids)) {
+    return RobotEvents::kInvalidArgument;
+  }
   return _queryValues("get_input", {{"motor_ids", IdList(count, motor_ids)}}, values);
 }
 int Robot::get_input(int* values) { return get_input(motorIds.size(), motorIds.data(), values); }

@@ -9,8 +9,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <future>
-#include <memory>
 #include <string>
+#include <vector>
 
 #include "common/RobotEvent.h"
 #include "core/LoopbackListener.h"
@@ -28,20 +28,28 @@ using Clock = std::chrono::steady_clock;
 class RobotSessionTest : public ::testing::Test {
 protected:
   ::testing::AssertionResult LogIn(Robot& target) {
-    std::future<int> login = std::async(std::launch::async, [&] { return target.RobotLogin("127.0.0.1", controller.PortArg()); });
+    std::future<int> login = std::async(
+        std::launch::async, [&] { return target.RobotLogin("127.0.0.1", controller.PortArg()); });
     tavsim::ClientMessage hello;
     ::testing::AssertionResult played = controller.Accept();
-    if (played) played = controller.ReceiveClientInfo(hello);
-    if (played) played = controller.SendConnResult();
-    if (!played) controller.Close();
+    if (played)
+      played = controller.ReceiveClientInfo(hello);
+    if (played)
+      played = controller.SendConnResult();
+    if (!played)
+      controller.Close();
     const int code = login.get();
-    if (!played) return played;
-    return code == 0 ? ::testing::AssertionSuccess() : ::testing::AssertionFailure() << "login returned " << code;
+    if (!played)
+      return played;
+    return code == 0 ? ::testing::AssertionSuccess()
+                     : ::testing::AssertionFailure() << "login returned " << code;
   }
 
-  // Starts get_angles into `angle` and waits until the controller has its request, which stays unanswered.
+  // Starts get_angles into `angle` and waits until the controller has its request, which stays
+  // unanswered.
   std::future<int> PendingQuery() {
-    std::future<int> query = std::async(std::launch::async, [&] { return robot.get_angles(1, angle); });
+    std::future<int> query =
+        std::async(std::launch::async, [&] { return robot.get_angles(1, angle); });
     EXPECT_TRUE(controller.ReceiveCommand("get_angles", pending));
     return query;
   }
@@ -52,18 +60,60 @@ protected:
   double angle = 0.0;
 };
 
-// Before the login and after the logout a command is refused at once and sends nothing; the
-// refusal does not fail the session, so a later login works.
-TEST_F(RobotSessionTest, ACommandWithoutAConnectionIsRefusedAtOnce) {
+// Every login starts afresh, whatever ended the last session, so a retry loop on one Robot
+// reconnects once the controller is back; nothing of the old connection reaches the new one.
+TEST_F(RobotSessionTest, ARetryLoopReconnectsAfterARefusalAndAfterALostConnection) {
   const auto start = Clock::now();
-  EXPECT_EQ(robot.get_angles(1, angle), RobotEvents::kSendFailed);
-  EXPECT_EQ(robot.stop(), RobotEvents::kSendFailed);
+  EXPECT_EQ(robot.get_angles(1, angle), RobotEvents::kSendFailed) << "not logged in";
   EXPECT_LT(Clock::now() - start, 1s);
-  ASSERT_TRUE(LogIn(robot));
+  EXPECT_EQ(robot.RobotLogin("127.0.0.256", controller.PortArg()), RobotEvents::kSocketSetupFailed);
+  const tavsim::RefusingPort refusing;
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    EXPECT_EQ(robot.RobotLogin("127.0.0.1", static_cast<short>(refusing.Port())),
+              RobotEvents::kConnectFailed);
+  }
+  ASSERT_TRUE(LogIn(robot)) << "the controller is back";
   EXPECT_TRUE(controller.ExpectSilence(100ms)) << "nothing of the refused calls was kept for later";
-  ASSERT_EQ(robot.RobotLogout(), 0);
-  EXPECT_EQ(robot.recover(), RobotEvents::kSendFailed);
+
+  ASSERT_TRUE(controller.Send("<root><head>"));  // cut short by the lost connection
+  controller.Close();
+  EXPECT_EQ(robot.get_angles(1, angle), RobotEvents::kReceiveFailed);
+  EXPECT_EQ(robot.stop(), RobotEvents::kReceiveFailed) << "sticky until the next login";
+  ASSERT_TRUE(LogIn(robot));
+  std::future<int> query = PendingQuery();
+  ASSERT_TRUE(controller.Reply(pending, "0", {{"result1", "[2]"}}));
+  EXPECT_EQ(query.get(), 0);
+  EXPECT_EQ(angle, 2.0);
+}
+
+// A controller that stops answering (stopped, its socket still open) fails the session at the
+// silence limit: the waiting call returns then, every later call too, until a new login.
+TEST_F(RobotSessionTest, AControllerThatFallsSilentFailsTheSessionAtTheLimit) {
+  ASSERT_EQ(robot.SetReplyTimeout(5), 0);  // what a wait without the watchdog would end in
+  ASSERT_EQ(robot.SetHeartbeat(0.1, 0.5), 0);
+  ASSERT_TRUE(LogIn(robot));
+  const auto heard = Clock::now();  // the login's reply was the last thing the controller sent
+  ::testing::internal::CaptureStdout();
+  const int code = robot.get_angles(1, angle);
+  const auto waited = Clock::now() - heard;
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "call back 1003041\n");
+  EXPECT_EQ(code, RobotEvents::kControllerSilent);
+  EXPECT_GE(waited, 400ms);
+  EXPECT_LT(waited, 900ms) << "the limit and 100 ms, with room for a loaded machine";
+  EXPECT_EQ(robot.stop(), RobotEvents::kControllerSilent);
   EXPECT_TRUE(LogIn(robot));
+}
+
+// Busy with a long command, a controller still answers heartbeats: it is never failed.
+TEST_F(RobotSessionTest, ABusyControllerThatAnswersHeartbeatsIsNotFailed) {
+  ASSERT_EQ(robot.SetHeartbeat(0.05, 0.5), 0);
+  ASSERT_TRUE(LogIn(robot));
+  std::future<int> wait = std::async(std::launch::async, [&] { return robot.wait_for_motors(1); });
+  std::vector<tavsim::ClientMessage> commands;
+  ASSERT_TRUE(controller.AnswerHeartsFor(1500ms, commands));
+  ASSERT_EQ(commands.size(), 1u);
+  ASSERT_TRUE(controller.Reply(commands[0]));
+  EXPECT_EQ(wait.get(), 0);
 }
 
 TEST_F(RobotSessionTest, LogoutFromAnotherThreadReleasesAWaitingCall) {
@@ -98,48 +148,6 @@ TEST_F(RobotSessionTest, TheReplyTimeoutBoundsAWaitAndLeavesTheSessionUsable) {
   EXPECT_EQ(angle, 1.0);
 }
 
-// Replies that nobody will collect, a late one and one never asked for, must not answer the
-// call that reuses their name once the request counter wraps.
-TEST_F(RobotSessionTest, AWrappedCounterNeverCollectsAStaleReply) {
-  ASSERT_EQ(robot.SetReplyTimeout(0.2), 0);
-  ASSERT_TRUE(LogIn(robot));
-  _TavTimeStamp = 10238;
-  EXPECT_EQ(PendingQuery().get(), RobotEvents::kReplyTimeout);
-  ASSERT_TRUE(controller.Reply(pending, "0", {{"result1", "[666]"}}));
-  ASSERT_TRUE(controller.Send(tavsim::CommandReplyMessage({"1", "get_angles", "0", {{"result1", "[667]"}}})));
-  // Answered after both, so the Robot has read them when it asks again.
-  std::future<int> stop = std::async(std::launch::async, [&] { return robot.stop(); });
-  ASSERT_TRUE(controller.ReceiveCommand("stop", pending) && controller.Reply(pending));
-  ASSERT_EQ(stop.get(), 0);
-  const auto askAgain = [&](int counterBefore, const std::string& timestamp) {
-    _TavTimeStamp = counterBefore;
-    std::future<int> query = PendingQuery();
-    EXPECT_EQ(pending.timestamp, timestamp);
-    ASSERT_TRUE(controller.Reply(pending, "0", {{"result1", "[1]"}}));
-    EXPECT_EQ(query.get(), 0);
-    EXPECT_EQ(angle, 1.0) << "call " << timestamp;
-  };
-  askAgain(10238, "10239");  // the name of the late reply
-  askAgain(10240, "1");      // the name of the reply never asked for
-}
-
-// Destruction logs out: at once, whether the controller would still answer or not.
-TEST_F(RobotSessionTest, ARobotGoingOutOfScopeLoggedInLogsOutAtOnce) {
-  auto session = std::make_unique<Robot>();
-  ASSERT_TRUE(LogIn(*session));
-  double value = 0.0;
-  std::future<int> query = std::async(std::launch::async, [&] { return session->get_angles(1, value); });
-  ASSERT_TRUE(controller.ReceiveCommand("get_angles", pending));
-  query.wait_for(50ms);
-  const auto start = Clock::now();
-  session->RobotLogout();  // the call must end before its Robot does
-  EXPECT_EQ(query.get(), RobotEvents::kReceiveFailed);
-  ASSERT_TRUE(LogIn(*session));
-  session.reset();
-  EXPECT_LT(Clock::now() - start, 1s);
-  EXPECT_TRUE(controller.ExpectClientClosed());
-}
-
 // Failed connects close their sockets, and a second logout closes nothing: the number of the
 // old socket may already belong to someone else.
 TEST_F(RobotSessionTest, DescriptorsAreNeitherLeakedNorClosedTwice) {
@@ -149,7 +157,8 @@ TEST_F(RobotSessionTest, DescriptorsAreNeitherLeakedNorClosedTwice) {
   const std::size_t before = tavtest::OpenDescriptorCount();
   for (int i = 0; i < 100; ++i) {
     Robot failed;
-    ASSERT_EQ(failed.RobotLogin("127.0.0.1", static_cast<short>(refusing.Port())), RobotEvents::kConnectFailed);
+    ASSERT_EQ(failed.RobotLogin("127.0.0.1", static_cast<short>(refusing.Port())),
+              RobotEvents::kConnectFailed);
   }
   EXPECT_EQ(tavtest::OpenDescriptorCount(), before);
 

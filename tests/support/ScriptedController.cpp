@@ -8,10 +8,10 @@
 
 namespace tavtest {
 
+using tavsim::ClientMessageKind;
 using ::testing::AssertionFailure;
 using ::testing::AssertionResult;
 using ::testing::AssertionSuccess;
-using tavsim::ClientMessageKind;
 
 namespace {
 
@@ -24,7 +24,8 @@ std::string Describe(const std::string& text) {
 }  // namespace
 
 void ScriptedController::Reset() {
-  if (!connection_) return;
+  if (!connection_)
+    return;
   const linger abort{1, 0};
   ::setsockopt(connection_->NativeHandle(), SOL_SOCKET, SO_LINGER, &abort, sizeof abort);
   connection_->Close();
@@ -32,55 +33,88 @@ void ScriptedController::Reset() {
 
 AssertionResult ScriptedController::Accept(Wait wait) {
   connection_ = listener_.Accept(wait);
-  if (!connection_) return AssertionFailure() << "no client connected within " << wait.count() << " ms";
+  if (!connection_)
+    return AssertionFailure() << "no client connected within " << wait.count() << " ms";
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::Connected() const {
-  if (!connection_ || !connection_->IsOpen()) return AssertionFailure() << "the controller has no open connection";
+  if (!connection_ || !connection_->IsOpen())
+    return AssertionFailure() << "the controller has no open connection";
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::string& functionName,
                                             tavsim::ClientMessage& message, Wait wait) {
   const std::string expected = std::string(tavsim::ToString(kind)) + " message " + functionName;
-  if (AssertionResult connected = Connected(); !connected) return connected;
+  if (AssertionResult connected = Connected(); !connected)
+    return connected;
   const std::optional<std::string> text = connection_->ReadMessage(wait);
   if (!text) {
     return AssertionFailure() << "expected a " << expected << ", but "
-                              << (connection_->PeerClosed() ? "the client closed" : "none came") << " within "
-                              << wait.count() << " ms";
+                              << (connection_->PeerClosed() ? "the client closed" : "none came")
+                              << " within " << wait.count() << " ms";
   }
   message = tavsim::DecodeClientMessage(*text);
   if (message.kind != kind || message.functionName != functionName ||
       (kind != ClientMessageKind::Heart && !message.checksumValid)) {
-    return AssertionFailure() << "expected a " << expected << " with a valid checksum, got " << Describe(*text);
+    return AssertionFailure() << "expected a " << expected << " with a valid checksum, got "
+                              << Describe(*text);
+  }
+  return AssertionSuccess();
+}
+
+AssertionResult ScriptedController::AnswerHeartsFor(Wait window,
+                                                    std::vector<tavsim::ClientMessage>& others) {
+  const auto end = std::chrono::steady_clock::now() + window;
+  for (auto now = std::chrono::steady_clock::now(); now < end;
+       now = std::chrono::steady_clock::now()) {
+    if (AssertionResult connected = Connected(); !connected)
+      return connected;
+    const std::optional<std::string> text =
+        connection_->ReadMessage(std::chrono::duration_cast<Wait>(end - now));
+    if (!text && connection_->PeerClosed())
+      return AssertionFailure() << "the client closed";
+    if (!text)
+      continue;
+    const tavsim::ClientMessage message = tavsim::DecodeClientMessage(*text);
+    if (message.kind != ClientMessageKind::Heart) {
+      others.push_back(message);
+    } else if (AssertionResult answered = Send(tavsim::HeartReplyMessage()); !answered) {
+      return answered;
+    }
   }
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::ExpectNoMessage(Wait wait, bool closed) {
-  if (AssertionResult connected = Connected(); !connected) return connected;
+  if (AssertionResult connected = Connected(); !connected)
+    return connected;
   if (const std::optional<std::string> text = connection_->ReadMessage(wait)) {
     return AssertionFailure() << "expected nothing from the client, got " << Describe(*text);
   }
   if (!closed && connection_->Framer().Buffered() != 0) {
-    return AssertionFailure() << "expected nothing, got " << connection_->Framer().Buffered() << " bytes";
+    return AssertionFailure() << "expected nothing, got " << connection_->Framer().Buffered()
+                              << " bytes";
   }
   if (closed && !connection_->PeerClosed()) {
-    return AssertionFailure() << "the client did not close the connection within " << wait.count() << " ms";
+    return AssertionFailure() << "the client did not close the connection within " << wait.count()
+                              << " ms";
   }
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::Send(const std::string& bytes) {
-  if (AssertionResult connected = Connected(); !connected) return connected;
-  if (!connection_->Write(bytes)) return AssertionFailure() << "could not write \"" << bytes << "\" to the client";
+  if (AssertionResult connected = Connected(); !connected)
+    return connected;
+  if (!connection_->Write(bytes))
+    return AssertionFailure() << "could not write \"" << bytes << "\" to the client";
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::WaitDelivered(Wait wait) {
-  if (AssertionResult connected = Connected(); !connected) return connected;
+  if (AssertionResult connected = Connected(); !connected)
+    return connected;
   return WaitQueueEmpty(connection_->NativeHandle(), SIOCOUTQ, wait);
 }
 

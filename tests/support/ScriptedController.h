@@ -35,7 +35,8 @@ public:
   Result Accept(Wait wait = kDefaultWait);
 
   // The next message, which must be of that kind (commands: of that name) with a valid checksum.
-  Result ReceiveCommand(const std::string& functionName, tavsim::ClientMessage& message, Wait wait = kDefaultWait) {
+  Result ReceiveCommand(const std::string& functionName, tavsim::ClientMessage& message,
+                        Wait wait = kDefaultWait) {
     return Receive(tavsim::ClientMessageKind::Command, functionName, message, wait);
   }
   Result ReceiveClientInfo(tavsim::ClientMessage& message, Wait wait = kDefaultWait) {
@@ -45,6 +46,9 @@ public:
     tavsim::ClientMessage message;
     return Receive(tavsim::ClientMessageKind::Heart, "", message, wait);
   }
+  // Plays a controller busy with a long command for `window`: answers every heartbeat and keeps
+  // whatever else comes in `others`.
+  Result AnswerHeartsFor(Wait window, std::vector<tavsim::ClientMessage>& others);
   // Nothing at all arrives within `window`.
   Result ExpectSilence(Wait window) { return ExpectNoMessage(window, false); }
   // The client closes its side within `wait`, sending nothing more.
@@ -52,26 +56,31 @@ public:
 
   // Raw bytes exactly as given: garbage, pieces of a message, several messages at once.
   Result Send(const std::string& bytes);
-  Result SendConnResult(const std::string& result = "0") { return Send(tavsim::ConnResultMessage(result)); }
+  Result SendConnResult(const std::string& result = "0") {
+    return Send(tavsim::ConnResultMessage(result));
+  }
   Result SendError(const std::string& code) { return Send(tavsim::ErrorMessage(code)); }
   // The reply to `command`, matched to it by its function name and timestamp.
-  Result Reply(const tavsim::ClientMessage& command, const std::string& state = "0", const Results& results = {}) {
-    return Send(tavsim::CommandReplyMessage({command.timestamp, command.functionName, state, results}));
+  Result Reply(const tavsim::ClientMessage& command, const std::string& state = "0",
+               const Results& results = {}) {
+    return Send(
+        tavsim::CommandReplyMessage({command.timestamp, command.functionName, state, results}));
   }
 
   // Waits until the client's kernel has taken every byte written so far (none in flight).
   Result WaitDelivered(Wait wait = kDefaultWait);
 
   void Close() {
-    if (connection_) connection_->Close();
+    if (connection_)
+      connection_->Close();
   }
   // Aborts the connection: the client's next read fails with a reset instead of seeing an end.
   void Reset();
 
 private:
   Result Connected() const;
-  Result Receive(tavsim::ClientMessageKind kind, const std::string& functionName, tavsim::ClientMessage& message,
-                 Wait wait);
+  Result Receive(tavsim::ClientMessageKind kind, const std::string& functionName,
+                 tavsim::ClientMessage& message, Wait wait);
   // Reads for `wait`; fails when a message, or with `closed` no close, came instead.
   Result ExpectNoMessage(Wait wait, bool closed);
 
