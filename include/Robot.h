@@ -100,6 +100,13 @@ public:
   /// thread, valid until the same thread asks for another unknown code.
   static const char* EventText(int code);
 
+  /// Sets the least level of record the library logs, for every Robot of the process: 0
+  /// DEBUG (everything, the default), 1 INFO, 2 WARNING, 3 ERROR, 4 FATAL. Records below it are
+  /// dropped before they are formatted. The environment variable TAVCLIENT_LOG_LEVEL, read when
+  /// the library first logs, sets the same. Returns 0, or 1006011 for any other value, which
+  /// keeps the current level.
+  static int SetLogLevel(int level);
+
   // Session.
 
   /// Connects to the controller at `ip` (dotted IPv4 text) and TCP `port`, introduces the

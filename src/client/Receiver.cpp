@@ -16,6 +16,7 @@ Receiver::Receiver()
 Receiver::~Receiver() {
   _requestStop();
   Join();
+  _logHeldCounts(true);
 }
 
 void Receiver::Stop() {
@@ -34,6 +35,7 @@ void Receiver::Expect(const std::string& name) {
   std::lock_guard<std::mutex> lock(storeMutex);
   store.erase(name);
   abandoned.erase(name);
+  _addBounded(announced, name, {}, ++filings, kMaxUnclaimedReplies);
 }
 
 int Receiver::WaitRecv(const std::string& name, Message& result,
@@ -73,6 +75,16 @@ int Receiver::_takeLocked(const std::string& name, Message& result) {
   return RobotEvents::kSuccess;
 }
 
+void Receiver::_logHeldCounts(bool evenWithinTheSecond) {
+  for (RepeatSummary* summary : {&unasked, &uncollected, &incomplete, &unreadable}) {
+    if (evenWithinTheSecond) {
+      summary->Flush();
+    } else {
+      summary->Tick();
+    }
+  }
+}
+
 std::string Receiver::_addBounded(Entries& entries, const std::string& name, Message message,
                                   std::uint64_t order, std::size_t limit) {
   entries[name] = Entry{std::move(message), order};
@@ -108,6 +120,7 @@ bool Receiver::_work() {
   // A closed peer sends nothing more and a failed read is not retried: either ends this
   // connection, reported once, and the Receiver waits unloaded for a new one.
   if (received <= 0) {
+    _logHeldCounts(true);
     if (_isCurrent(load)) {
       TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kReceiveFailed,
                                      received == 0 ? "Receiver thread connection closed by peer."
@@ -124,6 +137,7 @@ bool Receiver::_work() {
   }
   framer.Append(receiveBuffer, static_cast<std::size_t>(received));
   _handleStream();
+  _logHeldCounts(false);
   return true;
 }
 
@@ -140,7 +154,9 @@ void Receiver::_handleStream() {
   if (generated == RobotEvents::kDecodeFailed) {
     _endConnection(generated, "Receiver thread message too long.");
   } else if (!handledAny) {
-    TavLogger::GetInstance().Warning(generated, "Receiver thread generate failed.");
+    if (incomplete.Admit()) {
+      TavLogger::GetInstance().Warning(generated, "Receiver thread generate failed.");
+    }
     status = generated;
   }
 }
@@ -163,13 +179,15 @@ bool Receiver::_handleMessage(std::string& message) {
     _report(framedLoad, event, false);
     return true;
   }
-  logger.Info("Receiver thread recv a %s msg", name.c_str());
   _file(name, result);
   return true;
 }
 
 void Receiver::_endConnection(Robot_Event event, const char* line) {
-  TavLogger::GetInstance().Error(TAV_ERROR, event, line);
+  if (unreadable.Admit()) {
+    TavLogger::GetInstance().Error(TAV_ERROR, event, line);
+  }
+  _logHeldCounts(true);
   framer.Clear();
   _report(framedLoad, event, true);
 }
@@ -187,6 +205,12 @@ int Receiver::_decode(Message& result, std::string& message) {
 void Receiver::_file(const std::string& name, const Message& result) {
   TavLogger& logger = TavLogger::GetInstance();
   std::lock_guard<std::mutex> lock(storeMutex);
+  if (announced.erase(name) != 0 || waiters.count(name) != 0) {
+    logger.Info("Receiver thread recv a %s msg", name.c_str());
+  } else if (unasked.Admit()) {
+    logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread recv a %s msg nobody asked for.",
+                   name.c_str());
+  }
   if (abandoned.erase(name) != 0) {
     logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped a %s msg nobody waits for.",
                    name.c_str());
@@ -196,7 +220,7 @@ void Receiver::_file(const std::string& name, const Message& result) {
     return;
   }
   const std::string dropped = _addBounded(store, name, result, ++filings, kMaxUnclaimedReplies);
-  if (!dropped.empty()) {
+  if (!dropped.empty() && uncollected.Admit()) {
     logger.Warning(RobotEvents::kNoReplyYet, "Receiver thread dropped an uncollected %s msg.",
                    dropped.c_str());
   }

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <string>
 
+#include "../common/RepeatSummary.h"
 #include "../protocol/Parser.h"
 #include "MessageFramer.h"
 #include "SocketWorker.h"
@@ -24,6 +25,10 @@
 // caller gave up is dropped when it arrives; replies nobody announced are kept up to
 // kMaxUnclaimedReplies, the oldest dropped first. A reply whose name is already waiting in the
 // store is dropped (kept on purpose).
+//
+// What the controller sends unasked (replies nobody announced, uncollected replies it pushes
+// out, bytes that make no message, messages that cannot be read) is logged at most once a
+// second per kind, with a count of the rest (see RepeatSummary).
 //
 // A closed peer or a failed read is reported once as 1002011, a message that cannot be
 // decoded as 1003021; either ends the connection for the Receiver: it unloads itself and stays
@@ -79,6 +84,8 @@ private:
   int _decode(Message& result, std::string& message);
   void _file(const std::string& name, const Message& result);
   int _takeLocked(const std::string& name, Message& result);
+  // Logs the counts of the lines held back: those whose second is over, or all of them.
+  void _logHeldCounts(bool evenWithinTheSecond);
   // Adds an entry, dropping the oldest beyond `limit`; returns the name dropped, if any.
   static std::string _addBounded(Entries& entries, const std::string& name, Message message,
                                  std::uint64_t order, std::size_t limit);
@@ -92,9 +99,19 @@ private:
   // Guarded by storeMutex.
   Entries store;
   Entries abandoned;  // names whose waiter gave up; their messages are empty
+  Entries announced;  // names announced by Expect and not yet filed; their messages are empty
   std::multimap<std::string, Waiter> waiters;
   std::uint64_t filings = 0;
   std::mutex storeMutex;
+  // Used on the Receiver's thread, or once it is joined.
+  RepeatSummary unasked{TAV_WARNING, RobotEvents::kNoReplyYet,
+                        "Receiver thread recv %d more msgs nobody asked for in the last %d s."};
+  RepeatSummary uncollected{TAV_WARNING, RobotEvents::kNoReplyYet,
+                            "Receiver thread dropped %d more uncollected msgs in the last %d s."};
+  RepeatSummary incomplete{TAV_WARNING, RobotEvents::kNoCompleteMessage,
+                           "Receiver thread generate failed %d more times in the last %d s."};
+  RepeatSummary unreadable{TAV_ERROR, RobotEvents::kDecodeFailed,
+                           "Receiver thread could not read %d more msgs in the last %d s."};
 };
 
 #endif

@@ -19,7 +19,8 @@ constexpr Robot_Event kControllerSilent = 1003041;   // nothing arrived for the 
 constexpr Robot_Event kSocketSetupFailed = 1004011;  // socket() failed or the address is bad
 constexpr Robot_Event kConnectFailed = 1004021;      // connect() failed
 constexpr Robot_Event kResourceFailed = 1005011;     // directory, properties file or key
-// A setting refused (the previous one is kept), or a null pointer where values are needed.
+// A setting refused (SetReplyTimeout, SetHeartbeat, SetLogLevel; the previous one is kept),
+// or a null pointer where values are needed.
 constexpr Robot_Event kInvalidArgument = 1006011;
 
 // Every code above, so that whatever must cover them all (their texts) can walk them.

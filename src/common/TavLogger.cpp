@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <memory>
 #include <thread>
@@ -18,6 +20,25 @@ namespace {
 // its event at once to a reader of the file.
 constexpr std::chrono::milliseconds kGatherWindow{2};
 
+constexpr const char* kLevelVariable = "TAVCLIENT_LOG_LEVEL";
+
+bool IsLevel(int level) { return level >= TAV_DEBUG && level <= TAV_FATAL; }
+
+// The level TAVCLIENT_LOG_LEVEL names, a digit from 0 to 4; TAV_DEBUG when it is unset, and
+// with a word on stderr when it names none.
+int LevelFromEnvironment() {
+  const char* text = std::getenv(kLevelVariable);
+  if (text == nullptr) {
+    return TAV_DEBUG;
+  }
+  if (text[0] >= '0' && text[0] <= '4' && text[1] == '\0') {
+    return text[0] - '0';
+  }
+  std::fprintf(stderr, "tavclient: %s=%s is not a level from 0 to 4; logging everything\n",
+               kLevelVariable, text);
+  return TAV_DEBUG;
+}
+
 }  // namespace
 
 TavLogger& TavLogger::GetInstance() {
@@ -25,7 +46,7 @@ TavLogger& TavLogger::GetInstance() {
   return instance;
 }
 
-TavLogger::TavLogger() : running(false), threadStarted(false) {}
+TavLogger::TavLogger() : running(false), threshold(LevelFromEnvironment()), threadStarted(false) {}
 
 TavLogger::~TavLogger() {
   bool joinThread;
@@ -55,7 +76,18 @@ void TavLogger::StartLogging() {
   }
 }
 
+int TavLogger::SetLevel(int level) {
+  if (!IsLevel(level)) {
+    return RobotEvents::kInvalidArgument;
+  }
+  threshold = level;
+  return RobotEvents::kSuccess;
+}
+
 void TavLogger::Info(const char* format, ...) {
+  if (_drops(TAV_INFO)) {
+    return;
+  }
   va_list arguments;
   va_start(arguments, format);
   std::string text = FormatLogText(format, arguments);
@@ -64,6 +96,9 @@ void TavLogger::Info(const char* format, ...) {
 }
 
 void TavLogger::Warning(Robot_Event event, const char* format, ...) {
+  if (_drops(TAV_WARNING)) {
+    return;
+  }
   va_list arguments;
   va_start(arguments, format);
   std::string text = FormatLogText(format, arguments);
@@ -72,6 +107,9 @@ void TavLogger::Warning(Robot_Event event, const char* format, ...) {
 }
 
 void TavLogger::Error(LogLevel level, Robot_Event event, const char* format, ...) {
+  if (_drops(TAV_ERROR)) {
+    return;
+  }
   va_list arguments;
   va_start(arguments, format);
   std::string text = FormatLogText(format, arguments);

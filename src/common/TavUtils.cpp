@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
 
@@ -14,13 +15,13 @@ constexpr int32_t kLastTimeStamp = 10240;
 constexpr std::string::size_type kMaxDirectoryPath = 256;
 constexpr mode_t kDirectoryMode = 0775;
 
-bool IsSeparator(char c) {
-  return c == '/' || c == '\\';
-}
+bool IsSeparator(char c) { return c == '/' || c == '\\'; }
 
-// A prefix that already exists is left alone; any mkdir failure counts, a lost race included.
+// A prefix that already exists is left alone. Losing the race to another creator is no failure:
+// processes started together share their directories.
 bool EnsureDirectory(const std::string& path) {
-  return ::access(path.c_str(), F_OK) == 0 || ::mkdir(path.c_str(), kDirectoryMode) == 0;
+  return ::access(path.c_str(), F_OK) == 0 || ::mkdir(path.c_str(), kDirectoryMode) == 0 ||
+         (errno == EEXIST && ::access(path.c_str(), F_OK) == 0);
 }
 
 }  // namespace

@@ -2,15 +2,22 @@
 #include <sys/ioctl.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <regex>
 #include <string>
+#include <vector>
 
 #include "Commands.h"
 #include "WorkerFixture.h"
 #include "client/MessageFramer.h"
 #include "client/Receiver.h"
 #include "common/RobotEvent.h"
+#include "common/TavLogger.h"
+#include "common/TavResource.h"
 #include "core/ControllerReplies.h"
 #include "support/ClientSocket.h"
+#include "support/Polling.h"
+#include "support/TemporaryHome.h"
 
 using namespace std::chrono_literals;
 using tavsim::CommandReplyMessage;
@@ -124,16 +131,64 @@ TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
   EXPECT_EQ("1", result["result1"]) << "the next reply of that name is kept";
 }
 
-TEST_F(ReceiverTest, RepliesNobodyAskedForAreCapped) {
+// The lines logged after the line "INFO: <tag> from" up to "INFO: <tag> to", once written.
+std::vector<std::string> LoggedBetween(const std::string& tag) {
+  TavLogger::GetInstance().Info("%s to", tag.c_str());
+  std::vector<std::string> between;
+  EXPECT_TRUE(tavtest::PollUntil(10s, [&] {
+    between.clear();
+    bool inside = false;
+    for (const std::string& line : tavtest::LogLines(std::getenv("HOME"))) {
+      if (line.size() > 20 && line.compare(20, std::string::npos, "INFO: " + tag + " from") == 0) {
+        inside = true;
+      } else if (inside && line.compare(20, std::string::npos, "INFO: " + tag + " to") == 0) {
+        return true;
+      } else if (inside) {
+        between.push_back(line);
+      }
+    }
+    return false;
+  }));
+  return between;
+}
+
+TEST_F(ReceiverTest, AFloodOfUnaskedRepliesIsCappedLogsAFewCountedLinesAndLeavesTheSessionUsable) {
+  ASSERT_EQ(TavResource::GetInstance().Load(), 0);
+  TavLogger::GetInstance().StartLogging();
+  TavLogger::GetInstance().Info("flood from");
+  constexpr int kFlood = 20000;
   std::string flood;
-  for (std::size_t i = 0; i <= Receiver::kMaxUnclaimedReplies; ++i)
+  for (int i = 0; i < kFlood; ++i) {
     flood += Reply(std::to_string(i), "stop");
-  ASSERT_TRUE(SendAsOneRead(flood + Reply("9999", "recover")));
+  }
+  ASSERT_TRUE(controller.Send(flood + "garbage"));
+  worker->Expect("recover99999");
+  ASSERT_TRUE(controller.Send(Reply("99999", "recover")));
   Message result;
-  ASSERT_EQ(RobotEvents::kSuccess, Collect("recover9999", result));
-  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("stop0", result)) << "the oldest went first";
-  EXPECT_EQ(RobotEvents::kNoReplyYet, worker->GetRecv("stop1", result));
-  EXPECT_EQ(RobotEvents::kSuccess, worker->GetRecv("stop2", result));
+  EXPECT_EQ(RobotEvents::kSuccess, Collect("recover99999", result, 20s));
+  const int firstKept = kFlood - static_cast<int>(Receiver::kMaxUnclaimedReplies) + 1;
+  EXPECT_EQ(RobotEvents::kNoReplyYet,
+            worker->GetRecv("stop" + std::to_string(firstKept - 1), result))
+      << "the store keeps the newest";
+  EXPECT_EQ(RobotEvents::kSuccess, worker->GetRecv("stop" + std::to_string(firstKept), result));
+  controller.Close();  // the Receiver logs the counts it holds when the connection ends
+  ASSERT_EQ(EventLog::WaitFor(1), Events{RobotEvents::kReceiveFailed});
+
+  const std::vector<std::string> lines = LoggedBetween("flood");
+  std::size_t bytes = 0;
+  long unasked = 0;
+  const std::regex counted(R"(recv (\d+) more msgs nobody asked for in the last \d+ s\.$)");
+  for (const std::string& line : lines) {
+    bytes += line.size() + 1;
+    std::smatch match;
+    if (std::regex_search(line, match, counted)) {
+      unasked += std::stol(match[1]);
+    } else if (line.find("msg nobody asked for.") != std::string::npos) {
+      ++unasked;
+    }
+  }
+  EXPECT_EQ(unasked, kFlood) << "every unasked reply is counted";
+  EXPECT_LT(bytes, 10u * kFlood);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <time.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -55,12 +57,25 @@ const std::string& LoggingHome() {
   return home.Path();
 }
 
+using Files = std::map<std::string, std::string>;
+
+Files FilesIn(const std::string& directory) {
+  Files files;
+  for (const auto& entry : fs::directory_iterator(directory)) {
+    std::ostringstream content;
+    content << std::ifstream(entry.path()).rdbuf();
+    files[entry.path().filename().string()] = content.str();
+  }
+  return files;
+}
+
 // The logged lines without their time ("YYYY-mm-dd HH:MM:SS "); a line without one is kept
 // whole behind a "?".
 std::vector<std::string> LoggedTexts(const std::string& home) {
   std::vector<std::string> texts = tavtest::LogLines(home);
   for (std::string& line : texts) {
-    const bool timed = line.size() >= 20 && line[4] == '-' && line[10] == ' ' && line[16] == ':' && line[19] == ' ';
+    const bool timed = line.size() >= 20 && line[4] == '-' && line[10] == ' ' && line[16] == ':' &&
+                       line[19] == ' ';
     line = timed ? line.substr(20) : "?" + line;
   }
   return texts;
@@ -78,6 +93,21 @@ std::vector<std::string> LoggedThroughNow(const std::string& tag) {
   return texts;
 }
 
+// The texts that begin with `head`, and "<head>0" ... "<head><count - 1>".
+std::vector<std::string> Starting(const std::vector<std::string>& texts, const std::string& head) {
+  std::vector<std::string> matching;
+  std::copy_if(texts.begin(), texts.end(), std::back_inserter(matching),
+               [&](const std::string& text) { return text.compare(0, head.size(), head) == 0; });
+  return matching;
+}
+std::vector<std::string> Numbered(const std::string& head, int count) {
+  std::vector<std::string> texts;
+  for (int i = 0; i < count; ++i) {
+    texts.push_back(head + std::to_string(i));
+  }
+  return texts;
+}
+
 }  // namespace
 
 TEST(LogFileTest, NamesFilesAfterTheStartAndMovesOnWithTheFirstRecordOfEachLaterHour) {
@@ -91,25 +121,33 @@ TEST(LogFileTest, NamesFilesAfterTheStartAndMovesOnWithTheFirstRecordOfEachLater
     file.Write(start + 2 * kHour, "its last second");
     file.Write(start + 3 * kHour + 5, "fourth hour, after an idle one");
   }
-  std::map<std::string, std::string> files;
-  for (const auto& entry : fs::directory_iterator(directory.Path())) {
-    std::ostringstream content;
-    content << std::ifstream(entry.path()).rdbuf();
-    files[entry.path().filename().string()] = content.str();
-  }
-  const std::map<std::string, std::string> expected{
-      {"20260102030405.log", "first hour\nits last second\n"},
-      {"20260102030405-1.log", "second hour\nits last second\n"},
-      {"20260102030405-2.log", "fourth hour, after an idle one\n"},
-  };
-  EXPECT_EQ(files, expected);
+  EXPECT_EQ(FilesIn(directory.Path()),
+            (Files{
+                {"20260102030405.log", "first hour\nits last second\n"},
+                {"20260102030405-1.log", "second hour\nits last second\n"},
+                {"20260102030405-2.log", "fourth hour, after an idle one\n"},
+            }));
 }
 
-TEST(LogFileTest, LinesCarryTheTimeTheLevelAndAboveInfoTheEvent) {
-  EXPECT_EQ(LogLineTime(SampleStart()), "2026-01-02 03:04:05");
-  EXPECT_EQ(FormatLogLines("T", {{TAV_DEBUG, TAV_DEBUG, 5, "text"}}), "T DEBUG: text");
-  EXPECT_EQ(FormatLogLines("T", {{static_cast<LogLevel>(9), TAV_DEBUG, 2, "x"}, {TAV_INFO, TAV_DEBUG, 0, ""}}),
-            "T ERROR (2): x\nT INFO: ");
+TEST(LogFileTest, FillsEachFileWithWholeLinesAndKeepsOnlyTheNewestOfTheLibrarysFiles) {
+  const std::time_t start = SampleStart();
+  const tavtest::TemporaryDirectory directory;
+  for (const char* name : {"20250101000000.log", "20260102030405.txt", "notes.log"}) {
+    std::ofstream(directory.Path() + "/" + name) << "x";
+  }
+  {
+    LogFile file(directory.Path(), start, LogLimits{16, 3});
+    file.Write(start, "one\ntwo\nthree\nfour");
+    file.Write(start, std::string(20, 'x'));
+    file.Write(start, "five\nsix");
+  }
+  EXPECT_EQ(FilesIn(directory.Path()), (Files{
+                                           {"20260102030405-1.log", "four\n"},
+                                           {"20260102030405-2.log", std::string(15, 'x') + "\n"},
+                                           {"20260102030405-3.log", "five\nsix\n"},
+                                           {"20260102030405.txt", "x"},
+                                           {"notes.log", "x"},
+                                       }));
 }
 
 TEST(TavLoggerTest, WritesTheLevelTheEventAboveInfoAndTheFormattedText) {
@@ -129,7 +167,26 @@ TEST(TavLoggerTest, WritesTheLevelTheEventAboveInfoAndTheFormattedText) {
       "INFO: format end",
   };
   const std::vector<std::string> texts = LoggedThroughNow("format");
-  EXPECT_TRUE(texts.size() >= expected.size() && std::equal(expected.rbegin(), expected.rend(), texts.rbegin()));
+  EXPECT_TRUE(texts.size() >= expected.size() &&
+              std::equal(expected.rbegin(), expected.rend(), texts.rbegin()));
+}
+
+TEST(TavLoggerTest, DropsRecordsBelowItsLevelAndRefusesLevelsOutOfRange) {
+  LoggingHome();
+  TavLogger& logger = TavLogger::GetInstance();
+  ASSERT_EQ(logger.GetLevel(), TAV_DEBUG) << "everything by default";
+  EXPECT_EQ(logger.SetLevel(-1), 1006011);
+  EXPECT_EQ(logger.SetLevel(TAV_FATAL + 1), 1006011);
+  EXPECT_EQ(logger.GetLevel(), TAV_DEBUG);
+  ASSERT_EQ(logger.SetLevel(TAV_ERROR), 0);
+  logger.Info("level info");
+  logger.Warning(1, "level warning");
+  logger.Error(TAV_DEBUG, 2, "level error");
+  ASSERT_EQ(logger.SetLevel(TAV_DEBUG), 0);
+  const std::vector<std::string> texts = LoggedThroughNow("level");
+  ASSERT_GE(texts.size(), 2u);
+  EXPECT_EQ(texts[texts.size() - 2], "ERROR (2): level error");
+  EXPECT_EQ(std::count(texts.begin(), texts.end(), "WARNING (1): level warning"), 0);
 }
 
 TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
@@ -142,39 +199,91 @@ TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
   std::vector<std::thread> producers;
   for (int t = 0; t < kThreads; ++t) {
     producers.emplace_back([&tag, t] {
-      for (int i = 0; i < kRecords; ++i) TavLogger::GetInstance().Info("%s %d:%d", tag.c_str(), t, i);
+      for (int i = 0; i < kRecords; ++i) {
+        TavLogger::GetInstance().Info("%s %d:%d", tag.c_str(), t, i);
+      }
     });
   }
-  for (std::thread& producer : producers) producer.join();
+  for (std::thread& producer : producers) {
+    producer.join();
+  }
   const std::vector<std::string> texts = LoggedThroughNow(tag);
   for (int t = 0; t < kThreads; ++t) {
-    std::vector<std::string> ofThread, expected;
     const std::string head = "INFO: " + tag + " " + std::to_string(t) + ":";
-    std::copy_if(texts.begin(), texts.end(), std::back_inserter(ofThread),
-                 [&](const std::string& text) { return text.compare(0, head.size(), head) == 0; });
-    for (int i = 0; i < kRecords; ++i) expected.push_back(head + std::to_string(i));
-    EXPECT_EQ(ofThread, expected);
+    EXPECT_EQ(Starting(texts, head), Numbered(head, kRecords));
   }
   EXPECT_EQ(tavtest::ThreadCount(), threads);
-  EXPECT_EQ(std::distance(fs::directory_iterator(LoggingHome() + "/TavClient/log"), fs::directory_iterator()), 1);
+  EXPECT_EQ(std::distance(fs::directory_iterator(LoggingHome() + "/TavClient/log"),
+                          fs::directory_iterator()),
+            1);
 }
 
 // An exit test ends a child process that runs the test program again for that test alone, so
-// its logger is fresh.
-TEST(TavLoggerExitTest, WritesEverythingQueuedBeforeTheProcessEnds) {
+// its logger is fresh. Both children start early in one second (time() may lag the clock by a
+// tick), so that they name the same file, and each writes everything it queued as it exits.
+TEST(TavLoggerExitTest, TwoProcessesStartedInTheSameSecondKeepEveryLineOfBoth) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const tavtest::ExitTestDirectory home;
-  constexpr int kRecords = 500;
+  constexpr int kRecords = 2000;
   EXPECT_EXIT(
       {
-        StartLoggingUnder(home.Path());
-        for (int i = 0; i < kRecords; ++i) TavLogger::GetInstance().Info("exit %d", i);
-        std::exit(0);
+        std::this_thread::sleep_until(
+            std::chrono::system_clock::from_time_t(std::time(nullptr) + 1) +
+            std::chrono::milliseconds(50));
+        std::vector<pid_t> children;
+        for (int c = 0; c < 2; ++c) {
+          children.push_back(::fork());
+          if (children.back() == 0) {
+            StartLoggingUnder(home.Path());
+            for (int i = 0; i < kRecords; ++i) {
+              TavLogger::GetInstance().Info("child %d:%d", c, i);
+            }
+            std::exit(0);
+          }
+        }
+        int failures = 0;
+        for (const pid_t child : children) {
+          int status = 0;
+          failures += ::waitpid(child, &status, 0) != child || !WIFEXITED(status) ||
+                      WEXITSTATUS(status) != 0;
+        }
+        std::exit(failures);
       },
-      ::testing::ExitedWithCode(0), ::testing::StrEq("")) << "a usable HOME needs no word on stderr";
-  std::vector<std::string> expected;
-  for (int i = 0; i < kRecords; ++i) expected.push_back("INFO: exit " + std::to_string(i));
-  EXPECT_EQ(LoggedTexts(home.Path()), expected);
+      ::testing::ExitedWithCode(0), ::testing::StrEq(""))
+      << "a usable HOME needs no word on stderr";
+  const std::vector<std::string> texts = LoggedTexts(home.Path());
+  for (const std::string head : {"INFO: child 0:", "INFO: child 1:"}) {
+    EXPECT_EQ(Starting(texts, head), Numbered(head, kRecords));
+  }
+  EXPECT_EQ(texts.size(), 2u * kRecords);
+  EXPECT_EQ(FilesIn(home.Path() + "/TavClient/log").size(), 1u) << "both named one file";
+}
+
+TEST(TavLoggerExitTest, TakesItsLevelFromTheEnvironmentAndSaysWhenThatNamesNone) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const struct {
+    const char* value;
+    std::vector<std::string> logged;
+    std::string stderrText;
+  } cases[] = {
+      {"2", {"WARNING (3): env warning"}, ""},
+      {"debug",
+       {"INFO: env info", "WARNING (3): env warning"},
+       "tavclient: TAVCLIENT_LOG_LEVEL=debug is not a level from 0 to 4; logging everything\n"},
+  };
+  for (const auto& levelCase : cases) {
+    const tavtest::ExitTestDirectory home;
+    EXPECT_EXIT(
+        {
+          ::setenv("TAVCLIENT_LOG_LEVEL", levelCase.value, 1);
+          StartLoggingUnder(home.Path());
+          TavLogger::GetInstance().Info("env info");
+          TavLogger::GetInstance().Warning(3, "env warning");
+          std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), ::testing::StrEq(levelCase.stderrText));
+    EXPECT_EQ(LoggedTexts(home.Path()), levelCase.logged) << levelCase.value;
+  }
 }
 
 TEST(TavLoggerExitTest, ALoggerThatNeverStartedDoesNotHoldUpExit) {

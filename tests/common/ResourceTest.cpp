@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "common/TavProperties.h"
 #include "common/TavResource.h"
 #include "common/TavUtils.h"
 #include "support/TemporaryDirectory.h"
@@ -19,19 +18,14 @@ namespace fs = std::filesystem;
 TEST(TavUtilsTest, TimeStampCountsToTenThousandTwoHundredFortyThenWraps) {
   _TavTimeStamp = 0;
   int mismatches = 0;
-  for (int expected = 1; expected <= 10240; ++expected) mismatches += GetTimeStamp() != expected;
+  for (int expected = 1; expected <= 10240; ++expected)
+    mismatches += GetTimeStamp() != expected;
   EXPECT_EQ(mismatches, 0);
   EXPECT_EQ(GetTimeStamp(), 1);
 }
 
-TEST(TavUtilsTest, RobotEventReadsLikeStrtol) {
-  EXPECT_EQ(GetRobotEvent("12abc"), 12);
-  EXPECT_EQ(GetRobotEvent(" -3"), -3);
-  EXPECT_EQ(GetRobotEvent("abc"), 0);
-  EXPECT_EQ(GetRobotEvent(""), 0);
-}
-
-TEST(TavUtilsTest, CreateDirectoryMakesParentsFirstOnBothSeparatorsUpToTwoHundredFiftySixCharacters) {
+TEST(TavUtilsTest,
+     CreateDirectoryMakesParentsFirstOnBothSeparatorsUpToTwoHundredFiftySixCharacters) {
   const tavtest::TemporaryDirectory temporary;
   const std::string& base = temporary.Path();
   EXPECT_EQ(createDirectory(base + "/a/b/c"), 0);
@@ -56,36 +50,6 @@ TEST(TavUtilsTest, CreateDirectoryMakesParentsFirstOnBothSeparatorsUpToTwoHundre
   EXPECT_TRUE(fs::is_directory(base + "/r/s"));
 }
 
-// trim erases the blanks and then throws, so any content outside a block comment ends the
-// read, the comment styles included: only empty lines and block comments open.
-TEST(TavPropertiesTest, OpensOnlyEmptyLinesAndBlockCommentsAndThrowsForAnyOtherContent) {
-  const tavtest::TemporaryDirectory directory;
-  const std::string path = directory.Path() + "/TavClientResource.properties";
-  EXPECT_EQ(TavProperties().open(nullptr), 1005011);
-  EXPECT_EQ(TavProperties().open(path.c_str()), 1005011) << "no such file";
-
-  std::ofstream(path) << "\n/* begin\nLOG_PATH=/x\nend */ dropped=1\n/* b */ c\n\n";
-  TavProperties properties;
-  EXPECT_EQ(properties.open(path.c_str()), 0);
-  EXPECT_EQ(properties.load(), 0);
-  std::string value = "untouched";
-  EXPECT_EQ(properties.read("LOG_PATH", &value), 1005011);
-  EXPECT_EQ(value, "untouched");
-
-  for (const char* line : {"LOG_PATH=/var/log/x", "# note", "// note", "<!-- note -->", "a /* b */ c", "  "}) {
-    std::ofstream(path) << "/* fine */\n" << line << "\n";
-    try {
-      TavProperties().open(path.c_str());
-      ADD_FAILURE() << "no exception for: " << line;
-    } catch (const std::out_of_range& error) {
-      EXPECT_NE(std::string(error.what()).find("basic_string::erase"), std::string::npos) << error.what();
-    }
-  }
-  std::string text = " a b ";
-  EXPECT_THROW(TavProperties().trim(text), std::out_of_range);
-  EXPECT_EQ(text, "ab");
-}
-
 // HOME on a fresh directory, and a working directory of its own for the properties file.
 class TavResourceTest : public ::testing::Test {
 protected:
@@ -98,21 +62,22 @@ protected:
   TavResource& resource = TavResource::GetInstance();
 };
 
-TEST_F(TavResourceTest, WithoutAPropertiesFileOrWithCommentsOnlyMakesTheDefaultsUnderHome) {
-  for (const bool withComments : {false, true}) {
-    if (withComments) std::ofstream(properties) << "/* TAVCLIENT_PATH=/elsewhere */\n\n";
-    EXPECT_EQ(resource.Load(), 0);
-    EXPECT_TRUE(resource.IsLoaded());
-    EXPECT_EQ(resource.GetHome(), home.Path());
-    EXPECT_EQ(resource.GetBasePath(), home.Path() + "/TavClient");
-    EXPECT_EQ(resource.GetLogPath(), home.Path() + "/TavClient/log");
-    EXPECT_EQ(resource.GetRepositoryPath(), home.Path() + "/TavClient/repository");
-    EXPECT_EQ(resource.GetHomeNotice(), "");
-    EXPECT_TRUE(fs::is_directory(resource.GetLogPath()) && fs::is_directory(resource.GetRepositoryPath()));
-  }
+// A file of comments only reads as none.
+TEST_F(TavResourceTest, WithoutAKeyInAPropertiesFileMakesTheDefaultsUnderHome) {
+  std::ofstream(properties) << "/* TAVCLIENT_PATH=/elsewhere */\n\n";
+  EXPECT_EQ(resource.Load(), 0);
+  EXPECT_TRUE(resource.IsLoaded());
+  EXPECT_EQ(resource.GetHome(), home.Path());
+  EXPECT_EQ(resource.GetBasePath(), home.Path() + "/TavClient");
+  EXPECT_EQ(resource.GetLogPath(), home.Path() + "/TavClient/log");
+  EXPECT_EQ(resource.GetRepositoryPath(), home.Path() + "/TavClient/repository");
+  EXPECT_EQ(resource.GetHomeNotice(), "");
+  EXPECT_TRUE(fs::is_directory(resource.GetLogPath()) &&
+              fs::is_directory(resource.GetRepositoryPath()));
 }
 
-// Any key=value line makes the reader throw: Load has read HOME then and made nothing.
+// Any content but empty lines and block comments makes the properties reader throw: Load has
+// read HOME then and made nothing.
 TEST_F(TavResourceTest, APropertiesFileWithAKeyThrowsBeforeMakingAnything) {
   std::ofstream(properties) << "LOG_PATH=" << home.Path() << "/logs\n";
   EXPECT_THROW(resource.Load(), std::out_of_range);
