@@ -172,6 +172,18 @@ void BindSession(Binding& robot) {
           },
           "seconds"_a, "Bounds every later wait for a reply, in seconds (> 0; 3600 by default).")
       .def(
+          "SetHeartbeat",
+          [](RobotSession& s, double period, double silenceLimit) {
+            Run([&] { return s.Get().SetHeartbeat(period, silenceLimit); });
+          },
+          "period_seconds"_a, "silence_limit_seconds"_a,
+          "A heartbeat every period_seconds (9 by default); silence from the controller beyond "
+          "silence_limit_seconds (20 by default) fails the session with 1003041.")
+      .def_static(
+          "SetLogLevel", [](int level) { Check(Robot::SetLogLevel(level)); }, "level"_a,
+          "The least level the library logs, for every Robot: 0 DEBUG, 1 INFO, 2 WARNING, 3 "
+          "ERROR, 4 FATAL.")
+      .def(
           "SetEventCallback",
           [](RobotSession& s, py::object callback) {
             if (!callback.is_none() && !PyCallable_Check(callback.ptr())) {

@@ -117,6 +117,14 @@ class Robot:
     def SetReplyTimeout(self, seconds: float) -> None:
         """Bounds every later wait for a reply, in seconds (> 0; 3600 by default). A wait that
         runs out raises RobotError 1003031."""
+    def SetHeartbeat(self, period_seconds: float, silence_limit_seconds: float) -> None:
+        """A heartbeat every period_seconds (9 by default); once nothing has come from the
+        controller for silence_limit_seconds (20 by default, above the period) the session
+        fails with 1003041 and waiting calls are released. RobotError 1006011 for bad values."""
+    @staticmethod
+    def SetLogLevel(level: int) -> None:
+        """The least level of record the library logs, for every Robot of the process: 0 DEBUG
+        (the default), 1 INFO, 2 WARNING, 3 ERROR, 4 FATAL. RobotError 1006011 otherwise."""
     def SetEventCallback(self, callback: Optional[Callable[[int], object]]) -> None:
         """callback(code) is called with the code that fails the session (e.g. 1002011, the
         connection closed), on a thread of its own. None removes it."""

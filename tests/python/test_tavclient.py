@@ -41,6 +41,14 @@ def test_a_failing_command_raises_robot_error_with_code_and_text(robot):
     assert failure.value.code == 2001031
     assert failure.value.text == tavclient.event_text(2001031) == tavclient.Robot.EventText(2001031)
     assert isinstance(failure.value, Exception)
+    robot.SetHeartbeat(1.0, 5.0)
+    tavclient.Robot.SetLogLevel(1)
+    for refused_setting in (lambda: robot.SetHeartbeat(5.0, 1.0), lambda: robot.SetReplyTimeout(0),
+                            lambda: tavclient.Robot.SetLogLevel(7)):
+        with pytest.raises(RobotError) as refused:
+            refused_setting()
+        assert refused.value.code == 1006011
+    tavclient.Robot.SetLogLevel(0)
     robot.RobotLogout()
     with pytest.raises(RobotError) as refused:
         robot.recover()
