@@ -8,75 +8,123 @@ namespace tavpy {
 
 namespace {
 
-// A thread that takes the GIL while the interpreter shuts down is ended on the spot, unwinding
-// through frames that must not be unwound; such late events are dropped instead.
-bool InterpreterGone() {
-#if PY_VERSION_HEX >= 0x030D0000
-  return Py_IsFinalizing() != 0;
-#else
-  return _Py_IsFinalizing() != 0;
-#endif
+// Lets dispatcher threads into Python until the interpreter begins to exit. A thread that
+// takes the GIL during finalization is ended on the spot, through frames that must not be
+// unwound, so Close waits for every thread inside and lets none in again.
+class PythonGate {
+public:
+  bool Enter() {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (closed) {
+      return false;
+    }
+    ++inside;
+    return true;
+  }
+  void Leave() {
+    {
+      std::lock_guard<std::mutex> lock(mutex);
+      --inside;
+    }
+    left.notify_all();
+  }
+  // Without the GIL.
+  void Close() {
+    std::unique_lock<std::mutex> lock(mutex);
+    closed = true;
+    left.wait(lock, [this] { return inside == 0; });
+  }
+
+private:
+  std::mutex mutex;
+  std::condition_variable left;
+  int inside = 0;
+  bool closed = false;
+};
+
+// Never destroyed: dispatcher threads may outlive the static objects.
+PythonGate& Gate() {
+  static PythonGate* gate = new PythonGate;
+  return *gate;
 }
 
 }  // namespace
 
-EventDispatcher::~EventDispatcher() { Stop(); }
+void EventDispatcher::CloseAtExit() {
+  py::module_::import("atexit").attr("register")(py::cpp_function([] {
+    py::gil_scoped_release release;
+    Gate().Close();
+  }));
+}
+
+// The callable goes while the GIL is held; a thread left to end alone then holds none.
+EventDispatcher::~EventDispatcher() { queue->callback = py::object(); }
 
 void EventDispatcher::SetCallback(py::object callable) {
   const bool listen = !callable.is_none();
-  callback = listen ? std::move(callable) : py::object();
-  std::lock_guard<std::mutex> lock(mutex);
-  listening = listen;
-  if (listen && !thread.joinable() && !stopping) {
-    thread = std::thread(&EventDispatcher::_run, this);
+  queue->callback = listen ? std::move(callable) : py::object();
+  std::lock_guard<std::mutex> lock(queue->mutex);
+  queue->listening = listen;
+  if (listen && !thread.joinable() && !queue->stopping) {
+    thread = std::thread(&EventDispatcher::_run, queue);
   }
 }
 
 void EventDispatcher::Post(int code) {
   {
-    std::lock_guard<std::mutex> lock(mutex);
-    if (!listening || stopping) {
+    std::lock_guard<std::mutex> lock(queue->mutex);
+    if (!queue->listening || queue->stopping) {
       return;
     }
-    codes.push_back(code);
+    queue->codes.push_back(code);
   }
-  wake.notify_one();
+  queue->wake.notify_one();
 }
 
 void EventDispatcher::Stop() {
   {
-    std::lock_guard<std::mutex> lock(mutex);
-    stopping = true;
+    std::lock_guard<std::mutex> lock(queue->mutex);
+    queue->stopping = true;
   }
-  wake.notify_one();
-  if (thread.joinable()) {
+  queue->wake.notify_one();
+  if (!thread.joinable()) {
+    return;
+  }
+  if (thread.get_id() == std::this_thread::get_id()) {
+    thread.detach();
+  } else {
     thread.join();
   }
 }
 
-void EventDispatcher::_run() {
-  std::unique_lock<std::mutex> lock(mutex);
+void EventDispatcher::_run(std::shared_ptr<Queue> queue) {
+  std::unique_lock<std::mutex> lock(queue->mutex);
   for (;;) {
-    wake.wait(lock, [this] { return stopping || !codes.empty(); });
-    if (codes.empty()) {
+    queue->wake.wait(lock, [&] { return queue->stopping || !queue->codes.empty(); });
+    if (queue->codes.empty()) {
       return;
     }
-    const int code = codes.front();
-    codes.pop_front();
+    const int code = queue->codes.front();
+    queue->codes.pop_front();
     lock.unlock();
-    if (!InterpreterGone()) {
-      py::gil_scoped_acquire gil;
-      // A reference of its own: the callable may replace itself while it runs.
-      const py::object target = callback;
-      try {
-        if (target) {
-          target(code);
-        }
-      } catch (py::error_already_set& error) {
-        error.discard_as_unraisable("tavclient event callback");
-      }
+    if (Gate().Enter()) {
+      _deliver(*queue, code);
+      Gate().Leave();
     }
     lock.lock();
+  }
+}
+
+void EventDispatcher::_deliver(Queue& queue, int code) {
+  py::gil_scoped_acquire gil;
+  // A reference of its own: the callable may replace itself, or end its Robot, as it runs.
+  const py::object target = queue.callback;
+  try {
+    if (target) {
+      target(code);
+    }
+  } catch (py::error_already_set& error) {
+    error.discard_as_unraisable("tavclient event callback");
   }
 }
 

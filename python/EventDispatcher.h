@@ -5,6 +5,7 @@
 
 #include <condition_variable>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -16,27 +17,39 @@ namespace tavpy {
 class EventDispatcher {
 public:
   EventDispatcher() = default;
-  // Stop must have been called, without the GIL.
+  // With the GIL held; Stop must have been called.
   ~EventDispatcher();
   EventDispatcher(const EventDispatcher&) = delete;
   EventDispatcher& operator=(const EventDispatcher&) = delete;
 
   // With the GIL held. None removes the callable; the first callable starts the thread.
   void SetCallback(pybind11::object callable);
+  // With the GIL held: the callable, null when none, for the garbage collector.
+  pybind11::handle Callback() const { return queue->callback; }
   // From any thread, without the GIL. Dropped when no callable is set.
   void Post(int code);
-  // Without the GIL: delivers what is queued, then joins the thread. Idempotent.
+  // Once, at import: from the interpreter's exit on, no callable is called any more.
+  static void CloseAtExit();
+  // Without the GIL: delivers what is queued, then joins the thread. Called by the callable
+  // itself (it let go of the last reference to its Robot), it leaves the thread to end alone.
   void Stop();
 
 private:
-  void _run();
+  // Shared with the thread, which may outlive this object when the callable ended it.
+  struct Queue {
+    std::mutex mutex;
+    std::condition_variable wake;
+    std::deque<int> codes;
+    bool listening = false;
+    bool stopping = false;
+    pybind11::object callback;  // null when none; read and written with the GIL held
+  };
 
-  std::mutex mutex;
-  std::condition_variable wake;
-  std::deque<int> codes;
-  bool listening = false;
-  bool stopping = false;
-  pybind11::object callback;  // null when none; read and written with the GIL held
+  static void _run(std::shared_ptr<Queue> queue);
+  // With the gate entered: calls the callable with the GIL.
+  static void _deliver(Queue& queue, int code);
+
+  std::shared_ptr<Queue> queue = std::make_shared<Queue>();
   std::thread thread;
 };
 

@@ -436,6 +436,40 @@ void BindFormatters(Binding& robot) {
           "s"_a, "sep"_a, "The pieces of s between occurrences of sep.");
 }
 
+// The callable of SetEventCallback may refer to its own Robot; the collector sees that cycle
+// and breaks it by dropping the callable.
+RobotSession* SessionOf(PyObject* self) {
+  try {
+    return &py::cast<RobotSession&>(py::handle(self));
+  } catch (const py::cast_error&) {
+    return nullptr;  // not constructed yet
+  }
+}
+
+void CollectableCallbacks(PyHeapTypeObject* heapType) {
+  PyTypeObject* type = &heapType->ht_type;
+  type->tp_flags |= Py_TPFLAGS_HAVE_GC;
+  type->tp_traverse = [](PyObject* self, visitproc visit, void* arg) {
+    Py_VISIT(Py_TYPE(self));
+    if (RobotSession* session = SessionOf(self)) {
+      Py_VISIT(session->Events().Callback().ptr());
+    }
+    return 0;
+  };
+  // Untracked before anything is destroyed: the destructor releases the GIL, and a collection
+  // on another thread meanwhile must not find the object half gone.
+  type->tp_dealloc = [](PyObject* self) {
+    PyObject_GC_UnTrack(self);
+    py::detail::pybind11_object_dealloc(self);
+  };
+  type->tp_clear = [](PyObject* self) {
+    if (RobotSession* session = SessionOf(self)) {
+      session->Events().SetCallback(py::none());
+    }
+    return 0;
+  };
+}
+
 }  // namespace
 
 void BindRobot(py::module_& module) {
@@ -444,7 +478,8 @@ void BindRobot(py::module_& module) {
   BindSetupParam(module);
   Binding robot(module, "Robot",
                 "One session with one controller. Commands return None or raise RobotError; "
-                "queries return their values. Every call releases the GIL while it waits.");
+                "queries return their values. Every call releases the GIL while it waits.",
+                py::custom_type_setup(CollectableCallbacks));
   BindSession(robot);
   BindStateCommands(robot);
   BindMotion(robot);

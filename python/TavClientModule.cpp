@@ -2,6 +2,7 @@
 #include <pybind11/pybind11.h>
 #include <tavclient/Robot.h>
 
+#include "EventDispatcher.h"
 #include "RobotBinding.h"
 #include "RobotError.h"
 #include "SimulatorBinding.h"
@@ -14,5 +15,6 @@ PYBIND11_MODULE(tavclient, module) {
   tavpy::BindRobotError(module);
   tavpy::BindRobot(module);
   tavpy::BindSimulator(module);
+  tavpy::EventDispatcher::CloseAtExit();
   module.def("event_text", &Robot::EventText, pybind11::arg("code"), "What an event code means.");
 }

@@ -1,3 +1,4 @@
+import gc
 import threading
 
 import pytest
@@ -135,6 +136,17 @@ def test_the_event_callback_gets_the_code_that_fails_the_session(robot, simulato
         robot.get_angles(1)
     assert called.wait(10)
     assert codes == [failure.value.code] == [1002011]
+
+
+def test_a_robot_whose_callback_refers_to_it_is_collected_and_logs_out(simulator):
+    def session():
+        robot = tavclient.Robot()
+        robot.SetEventCallback(lambda code: print(code, robot))
+        robot.RobotLogin("127.0.0.1", simulator.port)
+
+    session()
+    gc.collect()
+    assert simulator.wait_for_activity("closed by the client")
 
 
 def test_leaving_the_blocks_logs_out_and_stops_the_simulator():
