@@ -220,6 +220,19 @@ void Client::_eventCallback(Robot_Event event, void* client) {
   }
   PrintEventLine(event);
   session->_setStatus(event);
+  std::function<void(int)> listener;
+  {
+    std::lock_guard<std::mutex> lock(session->eventListenerMutex);
+    listener = session->eventListener;
+  }
+  if (listener) {
+    listener(event);
+  }
+}
+
+void Client::SetEventCallback(std::function<void(int)> callback) {
+  std::lock_guard<std::mutex> lock(eventListenerMutex);
+  eventListener = std::move(callback);
 }
 
 // A heartbeat is not waited for: the watchdog listens for whatever the controller sends. The

@@ -55,6 +55,11 @@ public:
   /// out returns 1003031 and leaves the session usable. A non-positive or non-finite value
   /// returns 1006011 and keeps the previous bound.
   int SetReplyTimeout(double seconds);
+  /// Calls `callback` with the code of the event that fails the session, on the worker thread
+  /// that met it, after the waiting calls have been released. It holds up that worker, so it
+  /// should only hand the code on. An empty function removes it; a callback already under
+  /// way may still finish after its removal.
+  void SetEventCallback(std::function<void(int)> callback);
   /// Sets the heartbeat period and the silence limit, in seconds (9 and 20 by default): while
   /// connected a heartbeat goes out every period, and once nothing at all has arrived from the
   /// controller for the silence limit the session fails with 1003041, releasing every waiting
@@ -90,6 +95,8 @@ private:
   std::atomic<int> status{RobotEvents::kSuccess};
   // Set by the first event the workers report; the session reports no other.
   std::atomic<bool> eventReported{false};
+  std::mutex eventListenerMutex;
+  std::function<void(int)> eventListener;
   LocalSystemInfo localSystemInfo;
   std::atomic<bool> connected{false};
   // Counts closed connections, so a waiter can tell that the one it waits on has gone.

@@ -2,6 +2,8 @@
 # Installs BUILD_DIR into a fresh prefix, builds an application outside the source tree against
 # it once through the CMake package and once through pkg-config, and runs each build against the
 # installed simulator. The application is the README's own example, so the README cannot drift.
+# Then the same with the contents of the Debian packages of BUILD_DIR, extracted into a
+# temporary root, and the packaged Python module runs an example there.
 set -euo pipefail
 build=$(realpath "$1")
 source_dir=$(realpath "$(dirname "$0")/../..")
@@ -26,20 +28,13 @@ awk '/^## Use it in an application/ { section = 1 }
      code' "$source_dir/README.md" >"$app/my_app.cpp"
 [ -s "$app/my_app.cpp" ] || fail "no C++ block in the README's \"Use it in an application\""
 
-cmake -S "$app" -B "$work/with-cmake" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
-cmake --build "$work/with-cmake" >/dev/null
-export PKG_CONFIG_PATH=$libdir/pkgconfig
-read -ra flags <<<"$(pkg-config --cflags --libs tavclient)"
-g++ -std=c++17 "$app/my_app.cpp" "${flags[@]}" -Wl,-rpath,"$(pkg-config --variable=libdir tavclient)" \
-  -o "$work/with-pkg-config"
 
-# Runs the application against a simulator of its own, started on a free port, with HOME in the
-# temporary directory so that the log lands there.
+# Runs the application against the simulator of the tree it was built against, started on a free
+# port, with HOME in the temporary directory so that the log lands there.
 run_against_simulator() {
-  local program=$1 name
-  name=$(basename "$program")
+  local program=$1 root=$2 name=$3
   mkfifo "$work/$name.out"
-  "$prefix/bin/tavsim" --port 0 --quiet >"$work/$name.out" &
+  "$root/bin/tavsim" --port 0 --quiet >"$work/$name.out" &
   simulator=$!
   exec 3<"$work/$name.out"
   local line port output
@@ -57,6 +52,46 @@ run_against_simulator() {
   echo "$name: $output"
 }
 
-run_against_simulator "$work/with-cmake/my_app"
-run_against_simulator "$work/with-pkg-config"
+# Builds the application against the tree under `root` through find_package and through
+# pkg-config, into the folder `into`, and runs both builds.
+build_and_run() {
+  local root=$1 into=$2 libdir flags
+  libdir=$(dirname "$(find "$root" -name libtavclient.so)")
+  mkdir "$into"
+  cmake -S "$app" -B "$into/with-cmake" -DCMAKE_PREFIX_PATH="$root" >/dev/null
+  cmake --build "$into/with-cmake" >/dev/null
+  read -ra flags <<<"$(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs tavclient)"
+  g++ -std=c++17 "$app/my_app.cpp" "${flags[@]}" \
+    -Wl,-rpath,"$(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --variable=libdir tavclient)" -o "$into/with-pkg-config"
+  run_against_simulator "$into/with-cmake/my_app" "$root" "$(basename "$into")-with-cmake"
+  run_against_simulator "$into/with-pkg-config" "$root" "$(basename "$into")-with-pkg-config"
+}
+
+build_and_run "$prefix" "$work/installed"
 echo "consumer check: installed, built through find_package and pkg-config, both ran"
+
+cpack -G DEB --config "$build/CPackConfig.cmake" -B "$work/debs" >/dev/null
+root=$work/root
+for deb in "$work"/debs/*.deb; do
+  dpkg-deb -x "$deb" "$root"
+done
+packages=$(for deb in "$work"/debs/*.deb; do dpkg-deb -f "$deb" Package; done | sort | xargs)
+expected="libtavclient-dev libtavclient0 tavsim"
+[ -d "$build/python-module" ] && expected="libtavclient-dev libtavclient0 python3-tavclient tavsim"
+[ "$packages" = "$expected" ] || fail "packages built: $packages; expected: $expected"
+dpkg-deb -f "$work"/debs/libtavclient-dev_*.deb Depends | grep -q 'libtavclient0 (= ' ||
+  fail "libtavclient-dev does not depend on its libtavclient0"
+build_and_run "$root/usr" "$work/packaged"
+if [ -d "$build/python-module" ]; then
+  # The README's Python example where it has one, else an example of the tree.
+  awk '/^## Use it from Python/ { section = 1 }
+       section && /^```python/ { code = 1; next }
+       code && /^```/ { exit }
+       code' "$source_dir/README.md" >"$work/readme_example.py"
+  python_app=$work/readme_example.py
+  [ -s "$python_app" ] || python_app=$source_dir/examples/python/joint_move.py
+  output=$(cd "$work" && HOME=$work PYTHONPATH=$root/usr/lib/python3/dist-packages timeout 60 \
+    /usr/bin/python3 "$python_app") || fail "packaged Python module: $output"
+  echo "python3-tavclient: $output"
+fi
+echo "consumer check: Debian packages $packages built, extracted, the application built and ran"

@@ -162,9 +162,16 @@ TEST(RobotArmsTest, OneFailingSessionLeavesTheOtherAnswering) {
   ASSERT_EQ(failing.RobotLogin("127.0.0.1", PortOf(failingServer)), 0);
   ASSERT_EQ(healthy.RobotLogin("127.0.0.1", PortOf(healthyServer)), 0);
   ASSERT_EQ(healthy.Setup("arm", kChannel, Setup_Mode::Virtual), 0);
+  std::promise<int> failingEvent;
+  failing.SetEventCallback([&failingEvent](int code) { failingEvent.set_value(code); });
+  healthy.SetEventCallback(
+      [](int code) { ADD_FAILURE() << "event " << code << " on the healthy arm"; });
   failingServer.Faults().Add(tavsim::Fault::CloseConnection("get_angles"));
   double angle = 0.0;
   EXPECT_EQ(failing.get_angles(1, angle), RobotEvents::kReceiveFailed);
+  std::future<int> reported = failingEvent.get_future();
+  ASSERT_EQ(reported.wait_for(10s), std::future_status::ready);
+  EXPECT_EQ(reported.get(), RobotEvents::kReceiveFailed);
 
   ASSERT_EQ(healthy.move_to_angles(2, -30.0, 200.0f, 400.0f, Relative_Mode::Absolute), 0);
   ASSERT_EQ(healthy.wait_for_motors(2), 0);

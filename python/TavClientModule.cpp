@@ -1,0 +1,20 @@
+// The Python face of the library: tavclient.Robot over the C++ Robot, and the simulator.
+#include <pybind11/pybind11.h>
+#include <tavclient/Robot.h>
+
+#include "EventDispatcher.h"
+#include "RobotBinding.h"
+#include "RobotError.h"
+#include "SimulatorBinding.h"
+
+PYBIND11_MODULE(tavclient, module) {
+  module.doc() =
+      "Client of the robot-arm controller. Joint positions in degrees, joint speeds in deg/s, "
+      "tool positions in metres, orientations in radians, tool speeds in m/s, currents in "
+      "amperes, pauses in seconds.";
+  tavpy::BindRobotError(module);
+  tavpy::BindRobot(module);
+  tavpy::BindSimulator(module);
+  tavpy::EventDispatcher::CloseAtExit();
+  module.def("event_text", &Robot::EventText, pybind11::arg("code"), "What an event code means.");
+}
