@@ -83,13 +83,13 @@ dpkg-deb -f "$work"/debs/libtavclient-dev_*.deb Depends | grep -q 'libtavclient0
   fail "libtavclient-dev does not depend on its libtavclient0"
 build_and_run "$root/usr" "$work/packaged"
 if [ -d "$build/python-module" ]; then
-  # The README's Python example where it has one, else an example of the tree.
+  # The README's Python example.
   awk '/^## Use it from Python/ { section = 1 }
        section && /^```python/ { code = 1; next }
        code && /^```/ { exit }
        code' "$source_dir/README.md" >"$work/readme_example.py"
   python_app=$work/readme_example.py
-  [ -s "$python_app" ] || python_app=$source_dir/examples/python/joint_move.py
+  [ -s "$python_app" ] || fail "no Python block in the README's \"Use it from Python\""
   output=$(cd "$work" && HOME=$work PYTHONPATH=$root/usr/lib/python3/dist-packages timeout 60 \
     /usr/bin/python3 "$python_app") || fail "packaged Python module: $output"
   echo "python3-tavclient: $output"
