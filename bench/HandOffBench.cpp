@@ -22,7 +22,8 @@ void HandOff(benchmark::State& state) {
     std::unique_lock<std::mutex> lock(mutex);
     for (;;) {
       changed.wait(lock, [&] { return peersTurn || stopping; });
-      if (stopping) return;
+      if (stopping)
+        return;
       peersTurn = false;
       changed.notify_all();
     }

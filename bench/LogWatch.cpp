@@ -23,8 +23,10 @@ constexpr std::chrono::milliseconds kQuietPeriod{50};
 fs::path LogFile() {
   const char* home = std::getenv("HOME");
   std::error_code error;
-  for (const auto& entry : fs::directory_iterator(fs::path(home != nullptr ? home : "") / "TavClient/log", error)) {
-    if (entry.path().extension() == ".log") return entry.path();
+  for (const auto& entry :
+       fs::directory_iterator(fs::path(home != nullptr ? home : "") / "TavClient/log", error)) {
+    if (entry.path().extension() == ".log")
+      return entry.path();
   }
   return {};
 }
@@ -43,7 +45,8 @@ std::uintmax_t SettledSize() {
   for (;;) {
     std::this_thread::sleep_for(kQuietPeriod);
     const std::uintmax_t now = SizeOf(log);
-    if (now == size) return size;
+    if (now == size)
+      return size;
     size = now;
   }
 }

@@ -18,8 +18,10 @@ constexpr int kLoggedCalls = 10000;
 // The map a Robot hands to wrap_msg for get_angles of motor 1; wrap_msg consumes part of it,
 // so every message gets a fresh copy, as every call does.
 void WrapCommand(benchmark::State& state) {
-  const std::map<std::string, std::string> params{
-      {"timestamp", "1234"}, {"ClientID", "192.168.1.100"}, {"function_name", "get_angles"}, {"motor_ids", "[\"1\"]"}};
+  const std::map<std::string, std::string> params{{"timestamp", "1234"},
+                                                  {"ClientID", "192.168.1.100"},
+                                                  {"function_name", "get_angles"},
+                                                  {"motor_ids", "[\"1\"]"}};
   Parser parser;
   std::string text;
   for (auto _ : state) {
@@ -34,7 +36,8 @@ void UnwrapReply(benchmark::State& state) {
   Parser parser;
   for (auto _ : state) {
     std::map<std::string, std::string> result;
-    if (parser.unwrap(result, text) != 0) state.SkipWithError("the reply did not decode");
+    if (parser.unwrap(result, text) != 0)
+      state.SkipWithError("the reply did not decode");
     benchmark::DoNotOptimize(result.size());
   }
 }
@@ -43,7 +46,8 @@ void LogPerCall(benchmark::State& state) {
   const std::uintmax_t before = LogWatch::SettledSize();
   double angle = 0;
   for (auto _ : state) {
-    if (Pool::RobotAt(0).get_angles(1, angle) != 0) state.SkipWithError("get_angles failed");
+    if (Pool::RobotAt(0).get_angles(1, angle) != 0)
+      state.SkipWithError("get_angles failed");
   }
   const std::uintmax_t after = LogWatch::SettledSize();
   const auto calls = static_cast<double>(state.iterations());

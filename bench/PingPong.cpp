@@ -13,7 +13,8 @@ namespace bench {
 namespace {
 
 bool SendAll(int socket, const std::string& bytes) {
-  return ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
+  return ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL) ==
+         static_cast<ssize_t>(bytes.size());
 }
 
 // Reads exactly `count` bytes into `buffer`; false when the peer closed or a read failed.
@@ -21,7 +22,8 @@ bool ReceiveAll(int socket, std::string& buffer, std::size_t count) {
   std::size_t received = 0;
   while (received < count) {
     const ssize_t read = ::recv(socket, buffer.data() + received, count - received, 0);
-    if (read <= 0) return false;
+    if (read <= 0)
+      return false;
     received += static_cast<std::size_t>(read);
   }
   return true;
@@ -36,7 +38,8 @@ PingPong::PingPong(std::size_t requestBytes, std::size_t replyBytes)
   tavsim::LoopbackListener listener;
   client = tavsim::ConnectLoopback(listener.Port());
   server = listener.Accept(std::chrono::seconds(5));
-  if (!client.Valid() || !server) throw std::runtime_error("ping-pong connection failed");
+  if (!client.Valid() || !server)
+    throw std::runtime_error("ping-pong connection failed");
   peer = std::thread(&PingPong::Serve, this);
 }
 

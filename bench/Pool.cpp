@@ -45,16 +45,10 @@ void Close() {
   simulators.clear();
 }
 
-std::size_t RobotCount() {
-  return robots.size();
-}
+std::size_t RobotCount() { return robots.size(); }
 
-Robot& RobotAt(std::size_t index) {
-  return *robots.at(index);
-}
+Robot& RobotAt(std::size_t index) { return *robots.at(index); }
 
-tavsim::SimulatorServer& SimulatorAt(std::size_t index) {
-  return *simulators.at(index);
-}
+tavsim::SimulatorServer& SimulatorAt(std::size_t index) { return *simulators.at(index); }
 
 }  // namespace bench::Pool

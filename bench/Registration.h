@@ -20,9 +20,7 @@ void OpenPool(const benchmark::State& /*state*/) {
   Pool::Open(Robots, Simulators);
 }
 
-inline void ClosePool(const benchmark::State& /*state*/) {
-  Pool::Close();
-}
+inline void ClosePool(const benchmark::State& /*state*/) { Pool::Close(); }
 
 // Runs against `Robots` Robots on `Simulators` simulators that live for this benchmark only;
 // wall-clock time, since the callers mostly wait.
@@ -33,7 +31,10 @@ void OnPool(Benchmark* benchmark) {
 
 // Repeated timed runs of at least `seconds` each, after a short warm-up.
 inline void Repeated(Benchmark* benchmark, double seconds) {
-  benchmark->MinTime(seconds)->MinWarmUpTime(0.2)->Repetitions(kRepetitions)->ReportAggregatesOnly();
+  benchmark->MinTime(seconds)
+      ->MinWarmUpTime(0.2)
+      ->Repetitions(kRepetitions)
+      ->ReportAggregatesOnly();
 }
 
 }  // namespace bench

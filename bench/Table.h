@@ -25,7 +25,8 @@ private:
   // The run of `name` with `threads` callers; null when it did not report.
   const Run* Find(const std::string& name, int threads = 1) const;
   // Prints the row `what` of that run through `print`, or a row that says why there is none.
-  void WithRun(const std::string& name, int threads, const std::string& what, const Print& print) const;
+  void WithRun(const std::string& name, int threads, const std::string& what,
+               const Print& print) const;
   void PrintLatencies() const;
   void PrintThroughput() const;
   void PrintCosts() const;

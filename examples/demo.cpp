@@ -49,7 +49,8 @@ public:
     const double seconds = SecondsSince(start);
     std::string result = "ok";
     if (outcome.code != 0) {
-      result = "FAILED, code " + std::to_string(outcome.code) + " (" + Robot::EventText(outcome.code) + ")";
+      result = "FAILED, code " + std::to_string(outcome.code) + " (" +
+               Robot::EventText(outcome.code) + ")";
     }
     if (!outcome.detail.empty()) {
       result += ": " + outcome.detail;
@@ -82,15 +83,16 @@ std::string Joints(const std::vector<double>& angles) {
 }
 
 std::string Describe(const _Pose& pose) {
-  return "x " + Fixed(pose.x, 4) + " y " + Fixed(pose.y, 4) + " z " + Fixed(pose.z, 4) + " m, roll " + Fixed(pose.roll, 3) +
-         " pitch " + Fixed(pose.pitch, 3) + " yaw " + Fixed(pose.yaw, 3) + " rad";
+  return "x " + Fixed(pose.x, 4) + " y " + Fixed(pose.y, 4) + " z " + Fixed(pose.z, 4) +
+         " m, roll " + Fixed(pose.roll, 3) + " pitch " + Fixed(pose.pitch, 3) + " yaw " +
+         Fixed(pose.yaw, 3) + " rad";
 }
 
 // The largest difference between two poses, angles compared modulo a whole turn.
 double Difference(const _Pose& a, const _Pose& b) {
   const auto turn = [](double angle) { return std::abs(std::remainder(angle, 2.0 * kPi)); };
-  return std::max({std::abs(a.x - b.x), std::abs(a.y - b.y), std::abs(a.z - b.z), turn(a.roll - b.roll),
-                   turn(a.pitch - b.pitch), turn(a.yaw - b.yaw)});
+  return std::max({std::abs(a.x - b.x), std::abs(a.y - b.y), std::abs(a.z - b.z),
+                   turn(a.roll - b.roll), turn(a.pitch - b.pitch), turn(a.yaw - b.yaw)});
 }
 
 // The steps of the tour, sharing one session and what earlier steps read.
@@ -99,18 +101,22 @@ public:
   explicit RobotTour(const ExampleTarget& target) : target_(target) {}
 
   bool Run() {
-    const bool completed = tour_.Run("log in", [this] { return LogIn(); }) &&
-                           tour_.Run("set up the robot (can0, canopen)", [this] { return SetUp(); }) &&
-                           tour_.Run("read the joints", [this] { return ReadJoints(); }) &&
-                           tour_.Run("joint move by 15 deg and wait", [this] { return MoveJoints(); }) &&
-                           tour_.Run("read the tool pose", [this] { return ReadPose(); }) &&
-                           tour_.Run("forward kinematics of the joints", [this] { return Forward(); }) &&
-                           tour_.Run("inverse of the pose 5 cm higher", [this] { return InverseRoundTrip(); }) &&
-                           tour_.Run("linear path up, across, down", [this] { return LinearPath(); }) &&
-                           tour_.Run("set output 1, read input 1", [this] { return OutputAndInput(); }) &&
-                           tour_.Run("gripper: close, then open", [this] { return Gripper(); });
-    const bool loggedOut = tour_.Run("log out", [this] { return Outcome{robot_.RobotLogout(), ""}; });
-    std::printf("tour %s in %.1f s\n", completed && loggedOut ? "finished" : "stopped", tour_.Seconds());
+    const bool completed =
+        tour_.Run("log in", [this] { return LogIn(); }) &&
+        tour_.Run("set up the robot (can0, canopen)", [this] { return SetUp(); }) &&
+        tour_.Run("read the joints", [this] { return ReadJoints(); }) &&
+        tour_.Run("joint move by 15 deg and wait", [this] { return MoveJoints(); }) &&
+        tour_.Run("read the tool pose", [this] { return ReadPose(); }) &&
+        tour_.Run("forward kinematics of the joints", [this] { return Forward(); }) &&
+        tour_.Run("inverse of the pose 5 cm higher", [this] { return InverseRoundTrip(); }) &&
+        tour_.Run("linear path up, across, down", [this] { return LinearPath(); }) &&
+        tour_.Run("set output 1, read input 1", [this] { return OutputAndInput(); }) &&
+        tour_.Run("gripper: close, then open", [this] { return Gripper(); });
+    const bool loggedOut = tour_.Run("log out", [this] {
+      return Outcome{robot_.RobotLogout(), ""};
+    });
+    std::printf("tour %s in %.1f s\n", completed && loggedOut ? "finished" : "stopped",
+                tour_.Seconds());
     return completed && loggedOut;
   }
 
@@ -119,7 +125,8 @@ private:
 
   Outcome SetUp() {
     const Setup_Param channel{"can0", "can", "canopen", 1, 500000};
-    const int code = robot_.Setup("arm", channel, target_.Simulated() ? Setup_Mode::Virtual : Setup_Mode::Real);
+    const int code =
+        robot_.Setup("arm", channel, target_.Simulated() ? Setup_Mode::Virtual : Setup_Mode::Real);
     int ids[10] = {};
     robot_.get_motor_ids(motorCount_, ids);
     std::string detail = "motors";
@@ -142,7 +149,8 @@ private:
       ids.push_back(static_cast<int>(i) + 1);
       targets[i] += i % 2 == 0 ? 15.0 : -15.0;
     }
-    int code = robot_.move_to_angles(ids.size(), ids.data(), targets.data(), 30.0f, 60.0f, Relative_Mode::Absolute);
+    int code = robot_.move_to_angles(ids.size(), ids.data(), targets.data(), 30.0f, 60.0f,
+                                     Relative_Mode::Absolute);
     if (code == 0) {
       code = robot_.wait_for_motors();
     }
@@ -170,7 +178,9 @@ private:
       code = robot_.forward(solution.data(), back);
     }
     solution.resize(angles_.size());
-    return {code, Joints(solution) + "; their forward kinematics gives that pose back, difference " + Small(Difference(back, higher))};
+    return {code, Joints(solution) +
+                      "; their forward kinematics gives that pose back, difference " +
+                      Small(Difference(back, higher))};
   }
 
   Outcome LinearPath() {
@@ -188,7 +198,8 @@ private:
     if (code == 0) {
       code = robot_.get_pose(reached);
     }
-    return {code, "the tool ended at the last point, difference " + Small(Difference(reached, points[2]))};
+    return {code, "the tool ended at the last point, difference " +
+                      Small(Difference(reached, points[2]))};
   }
 
   Outcome OutputAndInput() {

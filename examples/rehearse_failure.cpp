@@ -13,7 +13,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-void Attempt(tavsim::SimulatorServer& simulator, const char* what, std::optional<tavsim::Fault> fault) {
+void Attempt(tavsim::SimulatorServer& simulator, const char* what,
+             std::optional<tavsim::Fault> fault) {
   if (fault) {
     simulator.Faults().Add(*fault);
   }
@@ -28,7 +29,8 @@ void Attempt(tavsim::SimulatorServer& simulator, const char* what, std::optional
   if (code == 0) {
     code = robot.get_angles(1, angle);
   }
-  const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+  const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now() - start);
   std::printf("%-44s -> code %d (%s) after %lld ms\n", what, code, Robot::EventText(code),
               static_cast<long long>(took.count()));
   robot.RobotLogout();

@@ -21,7 +21,8 @@ namespace {
 std::string ClockTime() {
   const auto now = std::chrono::system_clock::now();
   const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-  const auto millis = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
+  const auto millis =
+      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
   std::tm local{};
   localtime_r(&seconds, &local);
   char text[32];
@@ -77,14 +78,16 @@ int main(int argc, char** argv) {
       simulator.Faults().Add(fault);
       PrintLine("fault rule: " + tavsim::Describe(fault));
     }
-    PrintLine(program + ": simulated controller with " + std::to_string(line->motors) + " motors listening on " +
-              simulator.Host() + ":" + std::to_string(simulator.Port()) + " (Ctrl-C stops it)");
+    PrintLine(program + ": simulated controller with " + std::to_string(line->motors) +
+              " motors listening on " + simulator.Host() + ":" + std::to_string(simulator.Port()) +
+              " (Ctrl-C stops it)");
     int received = 0;
     sigwait(&stopSignals, &received);
     simulator.Stop();
     PrintLine(program + ": stopped");
   } catch (const std::exception& error) {
-    std::cerr << program << ": cannot serve on " << line->host << ":" << line->port << ": " << error.what() << "\n";
+    std::cerr << program << ": cannot serve on " << line->host << ":" << line->port << ": "
+              << error.what() << "\n";
     return 1;
   }
   return 0;

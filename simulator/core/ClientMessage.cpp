@@ -36,14 +36,17 @@ ClientMessage DecodeClientInfo(ClientMessage message, const WireElement& root) {
   const WireElement* version = body.Child(0, "version");
   const WireElement* system = body.Child(1, "system");
   const WireElement* language = body.Child(2, "language");
-  if (body.name != message.identifier || !version || !system || !language || body.children.size() != 3) {
-    return Unrecognised(message, "client-info body is not <" + message.identifier + "> with version, system, language");
+  if (body.name != message.identifier || !version || !system || !language ||
+      body.children.size() != 3) {
+    return Unrecognised(message, "client-info body is not <" + message.identifier +
+                                     "> with version, system, language");
   }
   message.version = version->text;
   message.system = system->text;
   message.language = language->text;
   message.kind = ClientMessageKind::ClientInfo;
-  message.checksumValid = ChecksumMatches(message.declaredChecksum, {message.version, message.system, message.language});
+  message.checksumValid = ChecksumMatches(message.declaredChecksum,
+                                          {message.version, message.system, message.language});
   return message;
 }
 

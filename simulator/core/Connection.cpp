@@ -8,12 +8,13 @@
 
 namespace tavsim {
 
-Connection::Connection(UniqueFd socket) : socket_(std::move(socket)) {}
+Connection::Connection(UniqueFd socket) : socket(std::move(socket)) {}
 
 bool Connection::Write(const std::string& bytes) {
   std::size_t written = 0;
-  while (socket_.Valid() && written < bytes.size()) {
-    const ssize_t sent = ::send(socket_.Get(), bytes.data() + written, bytes.size() - written, MSG_NOSIGNAL);
+  while (socket.Valid() && written < bytes.size()) {
+    const ssize_t sent =
+        ::send(socket.Get(), bytes.data() + written, bytes.size() - written, MSG_NOSIGNAL);
     if (sent < 0 && errno == EINTR) {
       continue;
     }
@@ -22,22 +23,22 @@ bool Connection::Write(const std::string& bytes) {
     }
     written += static_cast<std::size_t>(sent);
   }
-  return socket_.Valid();
+  return socket.Valid();
 }
 
 void Connection::ReadAvailable() {
   char chunk[4096];
-  while (socket_.Valid() && !peerClosed_) {
-    const ssize_t received = ::recv(socket_.Get(), chunk, sizeof chunk, MSG_DONTWAIT);
+  while (socket.Valid() && !peerClosed) {
+    const ssize_t received = ::recv(socket.Get(), chunk, sizeof chunk, MSG_DONTWAIT);
     if (received > 0) {
-      framer_.Append(chunk, static_cast<std::size_t>(received));
+      framer.Append(chunk, static_cast<std::size_t>(received));
       continue;
     }
     if (received < 0 && errno == EINTR) {
       continue;
     }
     if (received == 0 || (errno != EAGAIN && errno != EWOULDBLOCK)) {
-      peerClosed_ = true;
+      peerClosed = true;
     }
     return;
   }
@@ -46,17 +47,18 @@ void Connection::ReadAvailable() {
 std::optional<std::string> Connection::ReadMessage(std::chrono::milliseconds timeout) {
   const auto deadline = std::chrono::steady_clock::now() + timeout;
   for (;;) {
-    if (std::optional<std::string> message = framer_.Next()) {
+    if (std::optional<std::string> message = framer.Next()) {
       return message;
     }
-    if (!socket_.Valid() || peerClosed_) {
+    if (!socket.Valid() || peerClosed) {
       return std::nullopt;
     }
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        deadline - std::chrono::steady_clock::now());
     if (left.count() <= 0) {
       return std::nullopt;
     }
-    pollfd watch{socket_.Get(), POLLIN, 0};
+    pollfd watch{socket.Get(), POLLIN, 0};
     const int ready = ::poll(&watch, 1, static_cast<int>(left.count()));
     if (ready > 0) {
       ReadAvailable();
@@ -65,13 +67,11 @@ std::optional<std::string> Connection::ReadMessage(std::chrono::milliseconds tim
 }
 
 void Connection::ShutdownWrite() {
-  if (socket_.Valid()) {
-    ::shutdown(socket_.Get(), SHUT_WR);
+  if (socket.Valid()) {
+    ::shutdown(socket.Get(), SHUT_WR);
   }
 }
 
-void Connection::Close() {
-  socket_.Reset();
-}
+void Connection::Close() { socket.Reset(); }
 
 }  // namespace tavsim

@@ -17,10 +17,10 @@ class Connection {
 public:
   explicit Connection(UniqueFd socket);
 
-  int NativeHandle() const { return socket_.Get(); }
-  bool IsOpen() const { return socket_.Valid(); }
+  int NativeHandle() const { return socket.Get(); }
+  bool IsOpen() const { return socket.Valid(); }
   // True once the client closed its side (or the connection broke) and nothing more can come.
-  bool PeerClosed() const { return peerClosed_; }
+  bool PeerClosed() const { return peerClosed; }
 
   // Writes all of `bytes`; false when the connection is closed or broken.
   bool Write(const std::string& bytes);
@@ -28,7 +28,7 @@ public:
   // Reads whatever the socket holds now, without waiting; for poll-driven servers.
   void ReadAvailable();
   // The next message among the bytes read so far.
-  std::optional<std::string> NextMessage() { return framer_.Next(); }
+  std::optional<std::string> NextMessage() { return framer.Next(); }
   // Waits until a whole message is framed; nothing when the timeout passes or the peer closes.
   std::optional<std::string> ReadMessage(std::chrono::milliseconds timeout);
 
@@ -37,12 +37,12 @@ public:
   // Closes the socket at once.
   void Close();
 
-  const StreamFramer& Framer() const { return framer_; }
+  const StreamFramer& Framer() const { return framer; }
 
 private:
-  UniqueFd socket_;
-  StreamFramer framer_;
-  bool peerClosed_ = false;
+  UniqueFd socket;
+  StreamFramer framer;
+  bool peerClosed = false;
 };
 
 }  // namespace tavsim

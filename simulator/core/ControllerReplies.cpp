@@ -22,12 +22,12 @@ std::string WireElementText(const std::string& name, const std::string& text) {
 std::string ConnResultMessage(const std::string& result) {
   return "<root>" + WireElementText("head", WireElementText("identifier", "ConnResult")) +
          WireElementText("ConnResult", WireElementText("result", result)) +
-         WireElementText("tail", WireElementText("checksum", std::to_string(WireChecksum({result})))) + "</root>";
+         WireElementText("tail",
+                         WireElementText("checksum", std::to_string(WireChecksum({result})))) +
+         "</root>";
 }
 
-std::string HeartReplyMessage() {
-  return "<root>" + WireElementText("Heart", "") + "</root>";
-}
+std::string HeartReplyMessage() { return "<root>" + WireElementText("Heart", "") + "</root>"; }
 
 std::string ErrorMessage(const std::string& errorCode) {
   return "<root>" + WireElementText("Error", WireElementText("errorcode", errorCode)) + "</root>";
@@ -39,10 +39,11 @@ std::string CommandReplyMessage(const CommandReply& reply, const std::string& ch
     results += WireElementText(key, value);
   }
   return "<root>" +
-         WireElementText("head", WireElementText("timestamp", reply.timestamp) + WireElementText("state", reply.state)) +
+         WireElementText("head", WireElementText("timestamp", reply.timestamp) +
+                                     WireElementText("state", reply.state)) +
          WireElementText("result", results) +
-         WireElementText("taskmatching",
-                         WireElementText("timestamp", reply.timestamp) + WireElementText("name", reply.functionName)) +
+         WireElementText("taskmatching", WireElementText("timestamp", reply.timestamp) +
+                                             WireElementText("name", reply.functionName)) +
          WireElementText("tail", WireElementText("checksum", checksum)) + "</root>";
 }
 

@@ -34,14 +34,13 @@ UniqueFd Bind(const std::string& host, std::uint16_t port) {
   ::setsockopt(socket.Get(), SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
   if (::bind(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
     const int error = errno;
-    throw std::system_error(error, std::generic_category(), "bind " + host + ":" + std::to_string(port));
+    throw std::system_error(error, std::generic_category(),
+                            "bind " + host + ":" + std::to_string(port));
   }
   return socket;
 }
 
-UniqueFd BindLoopback() {
-  return Bind("127.0.0.1", 0);
-}
+UniqueFd BindLoopback() { return Bind("127.0.0.1", 0); }
 
 std::uint16_t BoundPort(const UniqueFd& socket) {
   sockaddr_in address{};
@@ -57,19 +56,19 @@ std::uint16_t BoundPort(const UniqueFd& socket) {
 LoopbackListener::LoopbackListener() : LoopbackListener("127.0.0.1", 0) {}
 
 LoopbackListener::LoopbackListener(const std::string& address, std::uint16_t port)
-    : socket_(Bind(address, port)), port_(BoundPort(socket_)) {
-  if (::listen(socket_.Get(), SOMAXCONN) != 0) {
+    : socket(Bind(address, port)), port(BoundPort(socket)) {
+  if (::listen(socket.Get(), SOMAXCONN) != 0) {
     ThrowErrno("listen");
   }
 }
 
 std::optional<Connection> LoopbackListener::Accept(std::chrono::milliseconds timeout) {
-  pollfd watch{socket_.Get(), POLLIN, 0};
+  pollfd watch{socket.Get(), POLLIN, 0};
   const int ready = ::poll(&watch, 1, static_cast<int>(timeout.count()));
   if (ready <= 0) {
     return std::nullopt;
   }
-  UniqueFd client(::accept4(socket_.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+  UniqueFd client(::accept4(socket.Get(), nullptr, nullptr, SOCK_CLOEXEC));
   if (!client.Valid()) {
     return std::nullopt;
   }
@@ -78,7 +77,7 @@ std::optional<Connection> LoopbackListener::Accept(std::chrono::milliseconds tim
   return Connection(std::move(client));
 }
 
-RefusingPort::RefusingPort() : socket_(BindLoopback()), port_(BoundPort(socket_)) {}
+RefusingPort::RefusingPort() : socket(BindLoopback()), port(BoundPort(socket)) {}
 
 UniqueFd ConnectLoopback(std::uint16_t port) {
   UniqueFd socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -86,7 +85,8 @@ UniqueFd ConnectLoopback(std::uint16_t port) {
   address.sin_family = AF_INET;
   address.sin_port = htons(port);
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  if (socket.Valid() && ::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+  if (socket.Valid() &&
+      ::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
     socket.Reset();
   }
   return socket;

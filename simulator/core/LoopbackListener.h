@@ -19,15 +19,15 @@ public:
   // Listens on `address` (IPv4, dotted) and `port` instead; port 0 lets the system choose.
   LoopbackListener(const std::string& address, std::uint16_t port);
 
-  std::uint16_t Port() const { return port_; }
-  int NativeHandle() const { return socket_.Get(); }
+  std::uint16_t Port() const { return port; }
+  int NativeHandle() const { return socket.Get(); }
 
   // The next client to connect, or nothing when none came within `timeout`.
   std::optional<Connection> Accept(std::chrono::milliseconds timeout);
 
 private:
-  UniqueFd socket_;
-  std::uint16_t port_;
+  UniqueFd socket;
+  std::uint16_t port;
 };
 
 // A loopback port with a bound socket that does not listen: connecting to it is refused, and
@@ -35,11 +35,11 @@ private:
 class RefusingPort {
 public:
   RefusingPort();
-  std::uint16_t Port() const { return port_; }
+  std::uint16_t Port() const { return port; }
 
 private:
-  UniqueFd socket_;
-  std::uint16_t port_;
+  UniqueFd socket;
+  std::uint16_t port;
 };
 
 // A plain TCP socket connected to 127.0.0.1:port, the client's end. Invalid when the

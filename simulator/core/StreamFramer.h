@@ -19,14 +19,14 @@ public:
   // The next complete message, or nothing while the buffer holds none.
   std::optional<std::string> Next();
 
-  std::size_t Buffered() const { return buffer_.size(); }
-  std::size_t DiscardedBytes() const { return discarded_; }
+  std::size_t Buffered() const { return buffer.size(); }
+  std::size_t DiscardedBytes() const { return discarded; }
 
 private:
-  void DropBeforeOpenTag();
+  void _dropBeforeOpenTag();
 
-  std::string buffer_;
-  std::size_t discarded_ = 0;
+  std::string buffer;
+  std::size_t discarded = 0;
 };
 
 }  // namespace tavsim

@@ -11,21 +11,19 @@ UniqueFd& UniqueFd::operator=(UniqueFd&& other) noexcept {
   return *this;
 }
 
-UniqueFd::~UniqueFd() {
-  Reset();
-}
+UniqueFd::~UniqueFd() { Reset(); }
 
 int UniqueFd::Release() {
-  const int fd = fd_;
-  fd_ = -1;
+  const int fd = descriptor;
+  descriptor = -1;
   return fd;
 }
 
 void UniqueFd::Reset(int fd) {
-  if (fd_ >= 0) {
-    ::close(fd_);
+  if (descriptor >= 0) {
+    ::close(descriptor);
   }
-  fd_ = fd;
+  descriptor = fd;
 }
 
 }  // namespace tavsim

@@ -7,20 +7,20 @@ namespace tavsim {
 class UniqueFd {
 public:
   UniqueFd() = default;
-  explicit UniqueFd(int fd) : fd_(fd) {}
-  UniqueFd(UniqueFd&& other) noexcept : fd_(other.Release()) {}
+  explicit UniqueFd(int fd) : descriptor(fd) {}
+  UniqueFd(UniqueFd&& other) noexcept : descriptor(other.Release()) {}
   UniqueFd& operator=(UniqueFd&& other) noexcept;
   UniqueFd(const UniqueFd&) = delete;
   UniqueFd& operator=(const UniqueFd&) = delete;
   ~UniqueFd();
 
-  int Get() const { return fd_; }
-  bool Valid() const { return fd_ >= 0; }
+  int Get() const { return descriptor; }
+  bool Valid() const { return descriptor >= 0; }
   int Release();
   void Reset(int fd = -1);
 
 private:
-  int fd_ = -1;
+  int descriptor = -1;
 };
 
 }  // namespace tavsim

@@ -13,81 +13,79 @@ namespace {
 
 class Reader {
 public:
-  explicit Reader(const std::string& text) : text_(text) {}
+  explicit Reader(const std::string& text) : text(text) {}
 
   std::optional<WireElement> Document() {
     WireElement root;
-    if (!Element(root) || pos_ != text_.size()) {
+    if (!_element(root) || pos != text.size()) {
       return std::nullopt;
     }
     return root;
   }
 
 private:
-  bool Consume(const std::string& token) {
-    if (text_.compare(pos_, token.size(), token) != 0) {
+  bool _consume(const std::string& token) {
+    if (text.compare(pos, token.size(), token) != 0) {
       return false;
     }
-    pos_ += token.size();
+    pos += token.size();
     return true;
   }
 
-  bool Name(std::string& name) {
-    const std::size_t end = text_.find_first_of(" />", pos_);
-    if (end == std::string::npos || end == pos_ || text_.find('<', pos_) < end) {
+  bool _name(std::string& name) {
+    const std::size_t end = text.find_first_of(" />", pos);
+    if (end == std::string::npos || end == pos || text.find('<', pos) < end) {
       return false;
     }
-    name = text_.substr(pos_, end - pos_);
-    pos_ = end;
+    name = text.substr(pos, end - pos);
+    pos = end;
     return true;
   }
 
-  bool Element(WireElement& element) {
-    if (!Consume("<") || !Name(element.name)) {
+  bool _element(WireElement& element) {
+    if (!_consume("<") || !_name(element.name)) {
       return false;
     }
-    while (pos_ < text_.size() && text_[pos_] == ' ') {
-      ++pos_;
+    while (pos < text.size() && text[pos] == ' ') {
+      ++pos;
     }
-    if (Consume("/>")) {
+    if (_consume("/>")) {
       return true;
     }
-    if (!Consume(">") || !Content(element)) {
+    if (!_consume(">") || !_content(element)) {
       return false;
     }
-    return Consume("</" + element.name + ">");
+    return _consume("</" + element.name + ">");
   }
 
-  bool Content(WireElement& element) {
-    if (text_.compare(pos_, 2, "</") == 0) {
+  bool _content(WireElement& element) {
+    if (text.compare(pos, 2, "</") == 0) {
       return true;
     }
-    if (pos_ < text_.size() && text_[pos_] == '<') {
-      while (pos_ < text_.size() && text_[pos_] == '<' && text_.compare(pos_, 2, "</") != 0) {
+    if (pos < text.size() && text[pos] == '<') {
+      while (pos < text.size() && text[pos] == '<' && text.compare(pos, 2, "</") != 0) {
         element.children.emplace_back();
-        if (!Element(element.children.back())) {
+        if (!_element(element.children.back())) {
           return false;
         }
       }
       return true;
     }
-    const std::size_t end = text_.find('<', pos_);
+    const std::size_t end = text.find('<', pos);
     if (end == std::string::npos) {
       return false;
     }
-    element.text = text_.substr(pos_, end - pos_);
-    pos_ = end;
+    element.text = text.substr(pos, end - pos);
+    pos = end;
     return true;
   }
 
-  const std::string& text_;
-  std::size_t pos_ = 0;
+  const std::string& text;
+  std::size_t pos = 0;
 };
 
 }  // namespace
 
-std::optional<WireElement> ParseWireXml(const std::string& text) {
-  return Reader(text).Document();
-}
+std::optional<WireElement> ParseWireXml(const std::string& text) { return Reader(text).Document(); }
 
 }  // namespace tavsim

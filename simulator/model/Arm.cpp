@@ -9,93 +9,93 @@ Arm::Arm(JointVector initialDegrees) {
   for (double degrees : initialDegrees) {
     Motor motor;
     motor.position = degrees;
-    motors_.push_back(motor);
+    motorStates.push_back(motor);
   }
 }
 
-double Arm::position(std::size_t motor, double now) const {
-  const Motor& m = motors_[motor];
+double Arm::Position(std::size_t motor, double now) const {
+  const Motor& m = motorStates[motor];
   if (!m.motion) {
     return m.position;
   }
-  return m.motion->trajectory->positionAt(now - m.motion->start)[m.column];
+  return m.motion->trajectory->PositionAt(now - m.motion->start)[m.column];
 }
 
-double Arm::velocity(std::size_t motor, double now) const {
-  const Motor& m = motors_[motor];
+double Arm::Velocity(std::size_t motor, double now) const {
+  const Motor& m = motorStates[motor];
   if (!m.motion) {
     return 0.0;
   }
-  return m.motion->trajectory->velocityAt(now - m.motion->start)[m.column];
+  return m.motion->trajectory->VelocityAt(now - m.motion->start)[m.column];
 }
 
-double Arm::acceleration(std::size_t motor, double now) const {
-  const Motor& m = motors_[motor];
+double Arm::Acceleration(std::size_t motor, double now) const {
+  const Motor& m = motorStates[motor];
   if (!m.motion) {
     return 0.0;
   }
-  return m.motion->trajectory->accelerationAt(now - m.motion->start)[m.column];
+  return m.motion->trajectory->AccelerationAt(now - m.motion->start)[m.column];
 }
 
-JointVector Arm::positions(const std::vector<std::size_t>& motors, double now) const {
+JointVector Arm::Positions(const std::vector<std::size_t>& motors, double now) const {
   JointVector result;
   for (std::size_t motor : motors) {
-    result.push_back(position(motor, now));
+    result.push_back(Position(motor, now));
   }
   return result;
 }
 
-bool Arm::moving(std::size_t motor, double now) const {
-  const auto& motion = motors_[motor].motion;
-  return motion && now < motion->end();
+bool Arm::Moving(std::size_t motor, double now) const {
+  const auto& motion = motorStates[motor].motion;
+  return motion && now < motion->End();
 }
 
-double Arm::restTime(std::size_t motor, double now) const {
-  return moving(motor, now) ? motors_[motor].motion->end() : now;
+double Arm::RestTime(std::size_t motor, double now) const {
+  return Moving(motor, now) ? motorStates[motor].motion->End() : now;
 }
 
-void Arm::start(std::shared_ptr<const Trajectory> trajectory,
+void Arm::Start(std::shared_ptr<const Trajectory> trajectory,
                 const std::vector<std::size_t>& motors, double now) {
   auto motion = std::make_shared<Motion>();
   motion->trajectory = std::move(trajectory);
   motion->start = now;
   for (std::size_t column = 0; column < motors.size(); ++column) {
-    Motor& m = motors_[motors[column]];
-    m.position = position(motors[column], now);
+    Motor& m = motorStates[motors[column]];
+    m.position = Position(motors[column], now);
     m.motion = motion;
     m.column = column;
   }
 }
 
-std::vector<std::size_t> Arm::halt(const std::vector<std::size_t>& motors, double now) {
+std::vector<std::size_t> Arm::Halt(const std::vector<std::size_t>& motors, double now) {
   std::vector<const Motion*> stopping;
   for (std::size_t motor : motors) {
-    if (moving(motor, now)) {
-      stopping.push_back(motors_[motor].motion.get());
+    if (Moving(motor, now)) {
+      stopping.push_back(motorStates[motor].motion.get());
     }
   }
   std::vector<std::size_t> halted;
-  for (std::size_t motor = 0; motor < motors_.size(); ++motor) {
-    const Motion* motion = motors_[motor].motion.get();
+  for (std::size_t motor = 0; motor < motorStates.size(); ++motor) {
+    const Motion* motion = motorStates[motor].motion.get();
     if (motion && std::find(stopping.begin(), stopping.end(), motion) != stopping.end()) {
-      freeze(motor, now);
+      _freeze(motor, now);
       halted.push_back(motor);
     }
   }
   return halted;
 }
 
-void Arm::settle(double now) {
-  for (std::size_t motor = 0; motor < motors_.size(); ++motor) {
-    if (motors_[motor].motion && !moving(motor, now)) {
-      freeze(motor, now);
+void Arm::Settle(double now) {
+  for (std::size_t motor = 0; motor < motorStates.size(); ++motor) {
+    if (motorStates[motor].motion && !Moving(motor, now)) {
+      _freeze(motor, now);
     }
   }
 }
 
-void Arm::freeze(std::size_t motor, double now) {
-  Motor& m = motors_[motor];
-  m.position = position(motor, now);
+void Arm::_freeze(std::size_t motor, double now) {
+  Motor& m = motorStates[motor];
+  m.position = Position(motor, now);
   m.motion.reset();
 }
 

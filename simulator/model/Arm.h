@@ -19,35 +19,35 @@ class Arm {
 public:
   explicit Arm(JointVector initialDegrees);
 
-  std::size_t motorCount() const { return motors_.size(); }
+  std::size_t MotorCount() const { return motorStates.size(); }
 
-  double position(std::size_t motor, double now) const;
-  double velocity(std::size_t motor, double now) const;
-  double acceleration(std::size_t motor, double now) const;
-  JointVector positions(const std::vector<std::size_t>& motors, double now) const;
-  bool moving(std::size_t motor, double now) const;
+  double Position(std::size_t motor, double now) const;
+  double Velocity(std::size_t motor, double now) const;
+  double Acceleration(std::size_t motor, double now) const;
+  JointVector Positions(const std::vector<std::size_t>& motors, double now) const;
+  bool Moving(std::size_t motor, double now) const;
   // When the motor comes to rest if nothing intervenes (now for a motor at rest).
-  double restTime(std::size_t motor, double now) const;
-  bool released(std::size_t motor) const { return motors_[motor].released; }
+  double RestTime(std::size_t motor, double now) const;
+  bool Released(std::size_t motor) const { return motorStates[motor].released; }
 
   // Starts a motion whose trajectory columns drive `motors` in order. Motors taken from a
   // running motion leave it where they are; the rest of that motion carries on.
-  void start(std::shared_ptr<const Trajectory> trajectory, const std::vector<std::size_t>& motors,
+  void Start(std::shared_ptr<const Trajectory> trajectory, const std::vector<std::size_t>& motors,
              double now);
   // Stops every running motion that drives one of `motors`, freezing all its motors where
   // they are; returns the motors that were moving.
-  std::vector<std::size_t> halt(const std::vector<std::size_t>& motors, double now);
-  void hold(std::size_t motor) { motors_[motor].released = false; }
-  void release(std::size_t motor) { motors_[motor].released = true; }
+  std::vector<std::size_t> Halt(const std::vector<std::size_t>& motors, double now);
+  void Hold(std::size_t motor) { motorStates[motor].released = false; }
+  void Release(std::size_t motor) { motorStates[motor].released = true; }
   // Forgets the motions that have ended, keeping their final positions.
-  void settle(double now);
+  void Settle(double now);
 
 private:
   struct Motion {
     std::shared_ptr<const Trajectory> trajectory;
     double start = 0.0;
 
-    double end() const { return start + trajectory->duration(); }
+    double End() const { return start + trajectory->Duration(); }
   };
 
   struct Motor {
@@ -57,9 +57,9 @@ private:
     bool released = false;
   };
 
-  void freeze(std::size_t motor, double now);
+  void _freeze(std::size_t motor, double now);
 
-  std::vector<Motor> motors_;
+  std::vector<Motor> motorStates;
 };
 
 }  // namespace tavsim

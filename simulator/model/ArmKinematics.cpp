@@ -13,13 +13,13 @@ constexpr double kPositionTolerance = 1e-7;
 constexpr double kRotationTolerance = 1e-7;
 constexpr double kSingularSine = 1e-10;
 
-bool reproduces(const Transform& reached, const Transform& target) {
-  return norm(reached.translation - target.translation) < kPositionTolerance &&
-         rotationAngle(reached.rotation, target.rotation) < kRotationTolerance;
+bool Reproduces(const Transform& reached, const Transform& target) {
+  return Norm(reached.translation - target.translation) < kPositionTolerance &&
+         RotationAngle(reached.rotation, target.rotation) < kRotationTolerance;
 }
 
 // The copy of `angle` (shifted by whole turns) nearest to `reference` within +-limit.
-double nearestTurn(double angle, double reference, double limit) {
+double NearestTurn(double angle, double reference, double limit) {
   double best = angle;
   double bestDistance = std::numeric_limits<double>::infinity();
   for (int turns = -2; turns <= 2; ++turns) {
@@ -35,9 +35,9 @@ double nearestTurn(double angle, double reference, double limit) {
 
 }  // namespace
 
-ArmKinematics::ArmKinematics(const Links& links) : links_(links) {}
+ArmKinematics::ArmKinematics(const Links& links) : links(links) {}
 
-ArmKinematics ArmKinematics::ur5() {
+ArmKinematics ArmKinematics::Ur5() {
   return ArmKinematics(Links{{{0.0, kHalfPi, 0.089159},
                               {-0.425, 0.0, 0.0},
                               {-0.39225, 0.0, 0.0},
@@ -46,33 +46,33 @@ ArmKinematics ArmKinematics::ur5() {
                               {0.0, 0.0, 0.0823}}});
 }
 
-Transform ArmKinematics::linkTransform(std::size_t index, double theta) const {
-  const DhLink& link = links_[index];
-  Mat3 rz = Mat3::rotZ(theta);
-  return {rz * Mat3::rotX(link.alpha), {link.a * std::cos(theta), link.a * std::sin(theta), link.d}};
+Transform ArmKinematics::_linkTransform(std::size_t index, double theta) const {
+  const DhLink& link = links[index];
+  Mat3 rz = Mat3::RotZ(theta);
+  return {rz * Mat3::RotX(link.alpha),
+          {link.a * std::cos(theta), link.a * std::sin(theta), link.d}};
 }
 
-std::array<Transform, ArmKinematics::kJoints + 1> ArmKinematics::frames(const Joints& joints) const {
+std::array<Transform, ArmKinematics::kJoints + 1> ArmKinematics::Frames(
+    const Joints& joints) const {
   std::array<Transform, kJoints + 1> result;
   for (std::size_t i = 0; i < kJoints; ++i) {
-    result[i + 1] = result[i] * linkTransform(i, joints[i]);
+    result[i + 1] = result[i] * _linkTransform(i, joints[i]);
   }
   return result;
 }
 
-Transform ArmKinematics::forward(const Joints& joints) const {
-  return frames(joints)[kJoints];
-}
+Transform ArmKinematics::Forward(const Joints& joints) const { return Frames(joints)[kJoints]; }
 
-std::vector<ArmKinematics::Joints> ArmKinematics::solutions(const Transform& target,
+std::vector<ArmKinematics::Joints> ArmKinematics::Solutions(const Transform& target,
                                                             double wristHint) const {
-  const double a2 = links_[1].a;
-  const double a3 = links_[2].a;
-  const double d4 = links_[3].d;
-  const double d6 = links_[5].d;
-  const Vec3 x6 = target.rotation.column(0);
-  const Vec3 y6 = target.rotation.column(1);
-  const Vec3 z6 = target.rotation.column(2);
+  const double a2 = links[1].a;
+  const double a3 = links[2].a;
+  const double d4 = links[3].d;
+  const double d6 = links[5].d;
+  const Vec3 x6 = target.rotation.Column(0);
+  const Vec3 y6 = target.rotation.Column(1);
+  const Vec3 z6 = target.rotation.Column(2);
   const Vec3& p = target.translation;
 
   std::vector<Joints> found;
@@ -100,8 +100,8 @@ std::vector<ArmKinematics::Joints> ArmKinematics::solutions(const Transform& tar
         theta6 = std::atan2(-(y6.x * s1 - y6.y * c1) / s5, (x6.x * s1 - x6.y * c1) / s5);
       }
       // Planar 2R problem of joints 2 and 3 in frame 1, joint 4 takes the remaining angle.
-      Transform t14 = linkTransform(0, theta1).inverse() * target *
-                      linkTransform(5, theta6).inverse() * linkTransform(4, theta5).inverse();
+      Transform t14 = _linkTransform(0, theta1).Inverse() * target *
+                      _linkTransform(5, theta6).Inverse() * _linkTransform(4, theta5).Inverse();
       double px = t14.translation.x;
       double py = t14.translation.y;
       double c3 = (px * px + py * py - a2 * a2 - a3 * a3) / (2.0 * a2 * a3);
@@ -110,15 +110,15 @@ std::vector<ArmKinematics::Joints> ArmKinematics::solutions(const Transform& tar
       }
       double base3 = std::acos(std::fmax(-1.0, std::fmin(1.0, c3)));
       for (double theta3 : {base3, -base3}) {
-        double theta2 = std::atan2(py, px) -
-                        std::atan2(a3 * std::sin(theta3), a2 + a3 * std::cos(theta3));
+        double theta2 =
+            std::atan2(py, px) - std::atan2(a3 * std::sin(theta3), a2 + a3 * std::cos(theta3));
         double sum234 = std::atan2(t14.rotation(1, 0), t14.rotation(0, 0));
         double theta4 = sum234 - theta2 - theta3;
         Joints joints{theta1, theta2, theta3, theta4, theta5, theta6};
         for (double& joint : joints) {
-          joint = wrapAngle(joint);
+          joint = WrapAngle(joint);
         }
-        if (reproduces(forward(joints), target)) {
+        if (Reproduces(Forward(joints), target)) {
           found.push_back(joints);
         }
       }
@@ -127,15 +127,15 @@ std::vector<ArmKinematics::Joints> ArmKinematics::solutions(const Transform& tar
   return found;
 }
 
-std::optional<ArmKinematics::Joints> ArmKinematics::nearestSolution(const Transform& target,
+std::optional<ArmKinematics::Joints> ArmKinematics::NearestSolution(const Transform& target,
                                                                     const Joints& current,
                                                                     double jointLimit) const {
   std::optional<Joints> best;
   double bestDistance = std::numeric_limits<double>::infinity();
-  for (Joints candidate : solutions(target, current[5])) {
+  for (Joints candidate : Solutions(target, current[5])) {
     double distance = 0.0;
     for (std::size_t i = 0; i < kJoints; ++i) {
-      candidate[i] = nearestTurn(candidate[i], current[i], jointLimit);
+      candidate[i] = NearestTurn(candidate[i], current[i], jointLimit);
       double delta = candidate[i] - current[i];
       distance += delta * delta;
     }
@@ -147,18 +147,18 @@ std::optional<ArmKinematics::Joints> ArmKinematics::nearestSolution(const Transf
   return best;
 }
 
-ArmKinematics::Joints jointsFromDegrees(const std::vector<double>& degrees) {
+ArmKinematics::Joints JointsFromDegrees(const std::vector<double>& degrees) {
   ArmKinematics::Joints radians{};
   for (std::size_t i = 0; i < radians.size(); ++i) {
-    radians[i] = degToRad(degrees[i]);
+    radians[i] = DegToRad(degrees[i]);
   }
   return radians;
 }
 
-std::vector<double> jointsToDegrees(const ArmKinematics::Joints& radians) {
+std::vector<double> JointsToDegrees(const ArmKinematics::Joints& radians) {
   std::vector<double> degrees(radians.size(), 0.0);
   for (std::size_t i = 0; i < radians.size(); ++i) {
-    degrees[i] = radToDeg(radians[i]);
+    degrees[i] = RadToDeg(radians[i]);
   }
   return degrees;
 }

@@ -26,32 +26,32 @@ public:
 
   explicit ArmKinematics(const Links& links);
   // The UR5's published standard DH parameters.
-  static ArmKinematics ur5();
+  static ArmKinematics Ur5();
 
-  const Links& links() const { return links_; }
-  Transform forward(const Joints& joints) const;
+  const Links& LinkTable() const { return links; }
+  Transform Forward(const Joints& joints) const;
   // Base frame, then the frame after each joint: frames[i] = T01 * ... * T(i-1)i.
-  std::array<Transform, kJoints + 1> frames(const Joints& joints) const;
+  std::array<Transform, kJoints + 1> Frames(const Joints& joints) const;
 
   // Every closed-form branch (up to eight: shoulder, wrist and elbow each two ways) that
   // reproduces the target, each joint wrapped into (-pi, pi]. When the wrist is singular
   // (joint 5 at 0 or pi) joint 6 takes `wristHint` and joint 4 absorbs the rest.
-  std::vector<Joints> solutions(const Transform& target, double wristHint = 0.0) const;
+  std::vector<Joints> Solutions(const Transform& target, double wristHint = 0.0) const;
 
   // The branch closest to `current` (Euclidean in joint space), each joint shifted by whole
   // turns to the copy nearest to `current` within +-jointLimit; empty when unreachable.
-  std::optional<Joints> nearestSolution(const Transform& target, const Joints& current,
+  std::optional<Joints> NearestSolution(const Transform& target, const Joints& current,
                                         double jointLimit) const;
 
 private:
-  Transform linkTransform(std::size_t index, double theta) const;
+  Transform _linkTransform(std::size_t index, double theta) const;
 
-  Links links_;
+  Links links;
 };
 
 // Joint vectors as the controller keeps them (degrees, at least six values) and back.
-ArmKinematics::Joints jointsFromDegrees(const std::vector<double>& degrees);
-std::vector<double> jointsToDegrees(const ArmKinematics::Joints& radians);
+ArmKinematics::Joints JointsFromDegrees(const std::vector<double>& degrees);
+std::vector<double> JointsToDegrees(const ArmKinematics::Joints& radians);
 
 }  // namespace tavsim
 

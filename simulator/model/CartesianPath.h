@@ -22,10 +22,10 @@ class CartesianPath {
 public:
   CartesianPath(const Transform& start, const std::vector<Waypoint>& waypoints);
 
-  std::size_t runCount() const { return runs_.size(); }
-  double runLength(std::size_t run) const { return runs_[run].length; }
+  std::size_t RunCount() const { return runs.size(); }
+  double RunLength(std::size_t run) const { return runs[run].length; }
   // Pose after travelling s (metres, clamped to the run) along a run.
-  Transform poseAt(std::size_t run, double s) const;
+  Transform PoseAt(std::size_t run, double s) const;
 
 private:
   struct Run {
@@ -34,10 +34,10 @@ private:
     double length = 0.0;
   };
 
-  void append(Run& run, const PathPiece& piece);
-  void closeRun(Run& run);
+  void _append(Run& run, const PathPiece& piece);
+  void _closeRun(Run& run);
 
-  std::vector<Run> runs_;
+  std::vector<Run> runs;
 };
 
 }  // namespace tavsim

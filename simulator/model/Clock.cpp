@@ -2,19 +2,17 @@
 
 namespace tavsim {
 
-SteadyClock::SteadyClock() : origin_(std::chrono::steady_clock::now()) {}
+SteadyClock::SteadyClock() : origin(std::chrono::steady_clock::now()) {}
 
-double SteadyClock::now() const {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - origin_).count();
+double SteadyClock::Now() const {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - origin).count();
 }
 
-double ManualClock::now() const {
-  return seconds_.load();
-}
+double ManualClock::Now() const { return elapsed.load(); }
 
-void ManualClock::advance(double seconds) {
-  double current = seconds_.load();
-  while (!seconds_.compare_exchange_weak(current, current + seconds)) {
+void ManualClock::Advance(double seconds) {
+  double current = elapsed.load();
+  while (!elapsed.compare_exchange_weak(current, current + seconds)) {
   }
 }
 

@@ -12,26 +12,26 @@ namespace tavsim {
 class Clock {
 public:
   virtual ~Clock() = default;
-  virtual double now() const = 0;
+  virtual double Now() const = 0;
 };
 
 class SteadyClock final : public Clock {
 public:
   SteadyClock();
-  double now() const override;
+  double Now() const override;
 
 private:
-  std::chrono::steady_clock::time_point origin_;
+  std::chrono::steady_clock::time_point origin;
 };
 
 // Stands still until advanced; for tests and for stepping the simulation by hand.
 class ManualClock final : public Clock {
 public:
-  double now() const override;
-  void advance(double seconds);
+  double Now() const override;
+  void Advance(double seconds);
 
 private:
-  std::atomic<double> seconds_{0.0};
+  std::atomic<double> elapsed{0.0};
 };
 
 }  // namespace tavsim

@@ -13,7 +13,7 @@ namespace {
 // A process move (moveP) rounds every corner by this share of its shorter leg.
 constexpr double kProcessBlendShare = 0.2;
 
-bool hasDuplicates(const std::vector<int>& ids) {
+bool HasDuplicates(const std::vector<int>& ids) {
   return std::set<int>(ids.begin(), ids.end()).size() != ids.size();
 }
 
@@ -25,20 +25,20 @@ struct PathRequest {
   double interval = 0.0;
   bool closed = false;
 
-  bool read(const ParamReader& params) {
-    return params.poses("points", points) && params.positive("velocity", velocity) &&
-           params.positive("acceleration", acceleration) && params.real("interval", interval) &&
-           interval >= 0.0 && params.flag("closed", closed);
+  bool Read(const ParamReader& params) {
+    return params.Poses("points", points) && params.Positive("velocity", velocity) &&
+           params.Positive("acceleration", acceleration) && params.Real("interval", interval) &&
+           interval >= 0.0 && params.Flag("closed", closed);
   }
 
   // The points as waypoints, returning to the first one when closed.
-  std::vector<Waypoint> waypoints(const std::vector<double>& radii) const {
+  std::vector<Waypoint> Waypoints(const std::vector<double>& radii) const {
     std::vector<Waypoint> result;
     for (std::size_t i = 0; i < points.size(); ++i) {
-      result.push_back({poseToTransform(points[i]), i < radii.size() ? radii[i] : 0.0});
+      result.push_back({PoseToTransform(points[i]), i < radii.size() ? radii[i] : 0.0});
     }
     if (closed && !points.empty()) {
-      result.push_back({poseToTransform(points.front()), 0.0});
+      result.push_back({PoseToTransform(points.front()), 0.0});
     }
     return result;
   }
@@ -46,181 +46,181 @@ struct PathRequest {
 
 }  // namespace
 
-int SimulatedController::armMotionCheck() const {
-  if (!hasArm()) {
+int SimulatedController::_armMotionCheck() const {
+  if (!_hasArm()) {
     return StateCodes::kUnknownMotor;
   }
-  for (std::size_t motor : armMotors()) {
-    if (arm_.released(motor)) {
+  for (std::size_t motor : _armMotors()) {
+    if (arm.Released(motor)) {
       return StateCodes::kMotorReleased;
     }
   }
   return StateCodes::kOk;
 }
 
-Reply SimulatedController::launch(std::unique_ptr<Trajectory> trajectory,
-                                  const std::vector<std::size_t>& motors, bool block, double now) {
+Reply SimulatedController::_launch(std::unique_ptr<Trajectory> trajectory,
+                                   const std::vector<std::size_t>& motors, bool block, double now) {
   if (trajectory) {
-    arm_.start(std::move(trajectory), motors, now);
+    arm.Start(std::move(trajectory), motors, now);
   }
-  return block ? awaitRest(motors, now) : done(StateCodes::kOk);
+  return block ? _awaitRest(motors, now) : _done(StateCodes::kOk);
 }
 
-Reply SimulatedController::launchToolPath(const std::vector<Waypoint>& waypoints, double velocity,
-                                          double acceleration, double dwell, bool block,
-                                          double now) {
-  JointVector start = armJoints(now);
-  CartesianPath path(kinematics_.forward(jointsFromDegrees(start)), waypoints);
+Reply SimulatedController::_launchToolPath(const std::vector<Waypoint>& waypoints, double velocity,
+                                           double acceleration, double dwell, bool block,
+                                           double now) {
+  JointVector start = _armJoints(now);
+  CartesianPath path(kinematics.Forward(JointsFromDegrees(start)), waypoints);
   std::unique_ptr<Trajectory> trajectory;
-  int state = planner_.toolPath(start, path, velocity, acceleration, dwell, trajectory);
+  int state = planner.ToolPath(start, path, velocity, acceleration, dwell, trajectory);
   if (state != StateCodes::kOk) {
-    return done(state);
+    return _done(state);
   }
-  return launch(std::move(trajectory), armMotors(), block, now);
+  return _launch(std::move(trajectory), _armMotors(), block, now);
 }
 
-Reply SimulatedController::moveToAngles(const ParamReader& params, double now) {
+Reply SimulatedController::_moveToAngles(const ParamReader& params, double now) {
   std::vector<int> ids;
   std::vector<double> positions;
   double velocity = 0.0;
   double acceleration = 0.0;
   bool relative = false;
   bool block = false;
-  if (!params.ids("motor_ids", ids) || !params.reals("position", positions) ||
-      !params.positive("velocity", velocity) || !params.positive("acceleration", acceleration) ||
-      !params.flag("relative", relative) || !params.flag("block", block) ||
-      ids.size() != positions.size() || hasDuplicates(ids)) {
-    return done(StateCodes::kBadParameter);
+  if (!params.Ids("motor_ids", ids) || !params.Reals("position", positions) ||
+      !params.Positive("velocity", velocity) || !params.Positive("acceleration", acceleration) ||
+      !params.Flag("relative", relative) || !params.Flag("block", block) ||
+      ids.size() != positions.size() || HasDuplicates(ids)) {
+    return _done(StateCodes::kBadParameter);
   }
   std::vector<std::size_t> motors;
-  if (int state = resolveMotors(ids, motors); state != StateCodes::kOk) {
-    return done(state);
+  if (int state = _resolveMotors(ids, motors); state != StateCodes::kOk) {
+    return _done(state);
   }
-  JointVector start = arm_.positions(motors, now);
+  JointVector start = arm.Positions(motors, now);
   JointVector target = positions;
   for (std::size_t i = 0; i < motors.size(); ++i) {
-    if (arm_.released(motors[i])) {
-      return done(StateCodes::kMotorReleased);
+    if (arm.Released(motors[i])) {
+      return _done(StateCodes::kMotorReleased);
     }
     if (relative) {
       target[i] += start[i];
     }
   }
-  if (!planner_.withinLimits(target)) {
-    return done(StateCodes::kUnreachable);
+  if (!planner.WithinLimits(target)) {
+    return _done(StateCodes::kUnreachable);
   }
-  return launch(planner_.jointPath(start, {target}, velocity, acceleration, 0.0), motors, block,
-                now);
+  return _launch(planner.JointPath(start, {target}, velocity, acceleration, 0.0), motors, block,
+                 now);
 }
 
-Reply SimulatedController::moveToPosition(const ParamReader& params, double now) {
+Reply SimulatedController::_moveToPosition(const ParamReader& params, double now) {
   Pose pose;
   double velocity = 0.0;
   double acceleration = 0.0;
   bool relative = false;
   bool block = false;
-  if (!params.pose("position", pose) || !params.positive("velocity", velocity) ||
-      !params.positive("acceleration", acceleration) || !params.flag("relative", relative) ||
-      !params.flag("block", block)) {
-    return done(StateCodes::kBadParameter);
+  if (!params.SinglePose("position", pose) || !params.Positive("velocity", velocity) ||
+      !params.Positive("acceleration", acceleration) || !params.Flag("relative", relative) ||
+      !params.Flag("block", block)) {
+    return _done(StateCodes::kBadParameter);
   }
-  if (int state = armMotionCheck(); state != StateCodes::kOk) {
-    return done(state);
+  if (int state = _armMotionCheck(); state != StateCodes::kOk) {
+    return _done(state);
   }
-  Transform target = poseToTransform(pose);
+  Transform target = PoseToTransform(pose);
   if (relative) {
     // Offsets in the base frame: shift by the position, turn by the orientation.
-    Transform current = kinematics_.forward(jointsFromDegrees(armJoints(now)));
+    Transform current = kinematics.Forward(JointsFromDegrees(_armJoints(now)));
     target = {target.rotation * current.rotation, current.translation + target.translation};
   }
-  return launchToolPath({{target, 0.0}}, velocity, acceleration, 0.0, block, now);
+  return _launchToolPath({{target, 0.0}}, velocity, acceleration, 0.0, block, now);
 }
 
-Reply SimulatedController::moveJ(const ParamReader& params, double now) {
+Reply SimulatedController::_moveJ(const ParamReader& params, double now) {
   PathRequest request;
-  if (!request.read(params)) {
-    return done(StateCodes::kBadParameter);
+  if (!request.Read(params)) {
+    return _done(StateCodes::kBadParameter);
   }
-  if (int state = armMotionCheck(); state != StateCodes::kOk) {
-    return done(state);
+  if (int state = _armMotionCheck(); state != StateCodes::kOk) {
+    return _done(state);
   }
   std::vector<Transform> poses;
-  for (const Waypoint& waypoint : request.waypoints({})) {
+  for (const Waypoint& waypoint : request.Waypoints({})) {
     poses.push_back(waypoint.pose);
   }
-  JointVector start = armJoints(now);
+  JointVector start = _armJoints(now);
   std::vector<JointVector> targets;
-  if (int state = planner_.jointTargetsFor(start, poses, targets); state != StateCodes::kOk) {
-    return done(state);
+  if (int state = planner.JointTargetsFor(start, poses, targets); state != StateCodes::kOk) {
+    return _done(state);
   }
   if (request.closed && !targets.empty()) {
     // Back to the very joints of the first point, not merely to its pose.
     targets.back() = targets.front();
   }
   auto trajectory =
-      planner_.jointPath(start, targets, request.velocity, request.acceleration, request.interval);
-  return launch(std::move(trajectory), armMotors(), false, now);
+      planner.JointPath(start, targets, request.velocity, request.acceleration, request.interval);
+  return _launch(std::move(trajectory), _armMotors(), false, now);
 }
 
-Reply SimulatedController::moveL(const ParamReader& params, double now) {
+Reply SimulatedController::_moveL(const ParamReader& params, double now) {
   PathRequest request;
   std::vector<double> radii;
-  if (!request.read(params) || !params.reals("radius", radii) ||
+  if (!request.Read(params) || !params.Reals("radius", radii) ||
       std::any_of(radii.begin(), radii.end(), [](double r) { return r < 0.0; })) {
-    return done(StateCodes::kBadParameter);
+    return _done(StateCodes::kBadParameter);
   }
-  if (int state = armMotionCheck(); state != StateCodes::kOk) {
-    return done(state);
+  if (int state = _armMotionCheck(); state != StateCodes::kOk) {
+    return _done(state);
   }
-  return launchToolPath(request.waypoints(radii), request.velocity, request.acceleration,
-                        request.interval, false, now);
+  return _launchToolPath(request.Waypoints(radii), request.velocity, request.acceleration,
+                         request.interval, false, now);
 }
 
-Reply SimulatedController::moveP(const ParamReader& params, double now) {
+Reply SimulatedController::_moveP(const ParamReader& params, double now) {
   PathRequest request;
-  if (!request.read(params)) {
-    return done(StateCodes::kBadParameter);
+  if (!request.Read(params)) {
+    return _done(StateCodes::kBadParameter);
   }
-  if (int state = armMotionCheck(); state != StateCodes::kOk) {
-    return done(state);
+  if (int state = _armMotionCheck(); state != StateCodes::kOk) {
+    return _done(state);
   }
-  std::vector<Waypoint> waypoints = request.waypoints({});
-  Vec3 previous = kinematics_.forward(jointsFromDegrees(armJoints(now))).translation;
+  std::vector<Waypoint> waypoints = request.Waypoints({});
+  Vec3 previous = kinematics.Forward(JointsFromDegrees(_armJoints(now))).translation;
   for (std::size_t i = 0; i + 1 < waypoints.size(); ++i) {
     const Vec3& corner = waypoints[i].pose.translation;
-    double shorterLeg = std::min(norm(corner - previous),
-                                 norm(waypoints[i + 1].pose.translation - corner));
+    double shorterLeg =
+        std::min(Norm(corner - previous), Norm(waypoints[i + 1].pose.translation - corner));
     waypoints[i].blendRadius = kProcessBlendShare * shorterLeg;
     previous = corner;
   }
-  return launchToolPath(waypoints, request.velocity, request.acceleration, request.interval, false,
-                        now);
+  return _launchToolPath(waypoints, request.velocity, request.acceleration, request.interval, false,
+                         now);
 }
 
-Reply SimulatedController::hold(const ParamReader& params, double now) {
-  return switchDrives(params, now, false);
+Reply SimulatedController::_hold(const ParamReader& params, double now) {
+  return _switchDrives(params, now, false);
 }
 
-Reply SimulatedController::release(const ParamReader& params, double now) {
-  return switchDrives(params, now, true);
+Reply SimulatedController::_release(const ParamReader& params, double now) {
+  return _switchDrives(params, now, true);
 }
 
-Reply SimulatedController::switchDrives(const ParamReader& params, double now, bool limp) {
+Reply SimulatedController::_switchDrives(const ParamReader& params, double now, bool limp) {
   std::vector<std::size_t> motors;
-  if (int state = readMotors(params, motors); state != StateCodes::kOk) {
-    return done(state);
+  if (int state = _readMotors(params, motors); state != StateCodes::kOk) {
+    return _done(state);
   }
-  haltMotors(motors, now);
-  setDrives(motors, limp);
-  return done(StateCodes::kOk);
+  _haltMotors(motors, now);
+  _setDrives(motors, limp);
+  return _done(StateCodes::kOk);
 }
 
-Reply SimulatedController::waitForMotors(const ParamReader& params, double now) {
+Reply SimulatedController::_waitForMotors(const ParamReader& params, double now) {
   std::vector<std::size_t> motors;
-  if (int state = readMotors(params, motors); state != StateCodes::kOk) {
-    return done(state);
+  if (int state = _readMotors(params, motors); state != StateCodes::kOk) {
+    return _done(state);
   }
-  return awaitRest(std::move(motors), now);
+  return _awaitRest(std::move(motors), now);
 }
 
 }  // namespace tavsim

@@ -2,21 +2,21 @@
 
 namespace tavsim {
 
-bool ControllerState::allows(Access access) const {
+bool ControllerState::Allows(Access access) const {
   switch (access) {
     case Access::Always:
       return true;
     case Access::Configured:
-      return mode_ != ControllerMode::Unconfigured;
+      return mode != ControllerMode::Unconfigured;
     case Access::Motion:
-      return mode_ == ControllerMode::Ready;
+      return mode == ControllerMode::Ready;
   }
   return false;
 }
 
-void ControllerState::configure() {
-  if (mode_ == ControllerMode::Unconfigured) {
-    mode_ = ControllerMode::Ready;
+void ControllerState::Configure() {
+  if (mode == ControllerMode::Unconfigured) {
+    mode = ControllerMode::Ready;
   }
 }
 

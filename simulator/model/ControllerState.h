@@ -20,18 +20,18 @@ enum class Access {
 
 class ControllerState {
 public:
-  ControllerMode mode() const { return mode_; }
-  bool allows(Access access) const;
+  ControllerMode Mode() const { return mode; }
+  bool Allows(Access access) const;
 
   // "Robot": from Unconfigured to Ready; a repeated set-up keeps the current state.
-  void configure();
-  void stop() { mode_ = ControllerMode::Stopped; }
+  void Configure();
+  void Stop() { mode = ControllerMode::Stopped; }
   // "recover", "reset", "calibrate".
-  void makeReady() { mode_ = ControllerMode::Ready; }
-  void finalize() { mode_ = ControllerMode::Unconfigured; }
+  void MakeReady() { mode = ControllerMode::Ready; }
+  void Finalize() { mode = ControllerMode::Unconfigured; }
 
 private:
-  ControllerMode mode_ = ControllerMode::Unconfigured;
+  ControllerMode mode = ControllerMode::Unconfigured;
 };
 
 }  // namespace tavsim

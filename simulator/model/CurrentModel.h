@@ -16,18 +16,18 @@ namespace tavsim {
 class CurrentModel {
 public:
   static constexpr double kIdleAmps = 0.3;
-  static constexpr double kTorquePerAmp = 10.0;        // N*m per A at the joint output
-  static constexpr double kFrictionAmps = 0.002;       // A per deg/s
-  static constexpr double kInertiaAmps = 0.004;        // A per deg/s^2
+  static constexpr double kTorquePerAmp = 10.0;   // N*m per A at the joint output
+  static constexpr double kFrictionAmps = 0.002;  // A per deg/s
+  static constexpr double kInertiaAmps = 0.004;   // A per deg/s^2
 
   explicit CurrentModel(const ArmKinematics& kinematics);
 
   // Gravity torque about each arm joint's axis (N*m) with the joints at `degrees`.
-  std::array<double, ArmKinematics::kJoints> gravityTorques(const JointVector& degrees) const;
-  static double current(double gravityTorque, double velocity, double acceleration);
+  std::array<double, ArmKinematics::kJoints> GravityTorques(const JointVector& degrees) const;
+  static double Current(double gravityTorque, double velocity, double acceleration);
 
 private:
-  const ArmKinematics& kinematics_;
+  const ArmKinematics& kinematics;
 };
 
 }  // namespace tavsim

@@ -5,7 +5,7 @@
 
 namespace tavsim {
 
-double wrapAngle(double radians) {
+double WrapAngle(double radians) {
   double wrapped = std::remainder(radians, 2.0 * kPi);
   return wrapped <= -kPi ? wrapped + 2.0 * kPi : wrapped;
 }
@@ -13,13 +13,13 @@ double wrapAngle(double radians) {
 Vec3 operator+(const Vec3& a, const Vec3& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
 Vec3 operator-(const Vec3& a, const Vec3& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 Vec3 operator*(double s, const Vec3& v) { return {s * v.x, s * v.y, s * v.z}; }
-double dot(const Vec3& a, const Vec3& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-Vec3 cross(const Vec3& a, const Vec3& b) {
+double Dot(const Vec3& a, const Vec3& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+Vec3 Cross(const Vec3& a, const Vec3& b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-double norm(const Vec3& v) { return std::sqrt(dot(v, v)); }
+double Norm(const Vec3& v) { return std::sqrt(Dot(v, v)); }
 
-Mat3 Mat3::transposed() const {
+Mat3 Mat3::Transposed() const {
   Mat3 t;
   for (int r = 0; r < 3; ++r) {
     for (int c = 0; c < 3; ++c) {
@@ -29,19 +29,19 @@ Mat3 Mat3::transposed() const {
   return t;
 }
 
-Mat3 Mat3::rotX(double radians) {
+Mat3 Mat3::RotX(double radians) {
   double c = std::cos(radians);
   double s = std::sin(radians);
   return Mat3{{1, 0, 0, 0, c, -s, 0, s, c}};
 }
 
-Mat3 Mat3::rotY(double radians) {
+Mat3 Mat3::RotY(double radians) {
   double c = std::cos(radians);
   double s = std::sin(radians);
   return Mat3{{c, 0, s, 0, 1, 0, -s, 0, c}};
 }
 
-Mat3 Mat3::rotZ(double radians) {
+Mat3 Mat3::RotZ(double radians) {
   double c = std::cos(radians);
   double s = std::sin(radians);
   return Mat3{{c, -s, 0, s, c, 0, 0, 0, 1}};
@@ -63,14 +63,14 @@ Vec3 operator*(const Mat3& a, const Vec3& v) {
           a(2, 0) * v.x + a(2, 1) * v.y + a(2, 2) * v.z};
 }
 
-double rotationAngle(const Mat3& a, const Mat3& b) {
-  Mat3 d = a.transposed() * b;
+double RotationAngle(const Mat3& a, const Mat3& b) {
+  Mat3 d = a.Transposed() * b;
   double cosine = (d(0, 0) + d(1, 1) + d(2, 2) - 1.0) / 2.0;
   return std::acos(std::clamp(cosine, -1.0, 1.0));
 }
 
-Transform Transform::inverse() const {
-  Mat3 rt = rotation.transposed();
+Transform Transform::Inverse() const {
+  Mat3 rt = rotation.Transposed();
   return {rt, -1.0 * (rt * translation)};
 }
 
@@ -78,7 +78,7 @@ Transform operator*(const Transform& a, const Transform& b) {
   return {a.rotation * b.rotation, a.rotation * b.translation + a.translation};
 }
 
-Quaternion Quaternion::fromMatrix(const Mat3& r) {
+Quaternion Quaternion::FromMatrix(const Mat3& r) {
   // Branch on the largest diagonal term to keep the square root well away from zero.
   Quaternion q;
   double trace = r(0, 0) + r(1, 1) + r(2, 2);
@@ -98,13 +98,13 @@ Quaternion Quaternion::fromMatrix(const Mat3& r) {
   return q;
 }
 
-Mat3 Quaternion::toMatrix() const {
+Mat3 Quaternion::ToMatrix() const {
   return Mat3{{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y),
                2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x),
                2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}};
 }
 
-Quaternion slerp(const Quaternion& a, const Quaternion& b, double u) {
+Quaternion Slerp(const Quaternion& a, const Quaternion& b, double u) {
   double cosine = a.w * b.w + a.x * b.x + a.y * b.y + a.z * b.z;
   Quaternion target = b;
   if (cosine < 0.0) {

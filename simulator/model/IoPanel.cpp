@@ -4,30 +4,28 @@
 
 namespace tavsim {
 
-IoPanel::IoPanel(std::size_t outputCount) : outputs_(outputCount, 0) {}
+IoPanel::IoPanel(std::size_t outputCount) : outputs(outputCount, 0) {}
 
-bool IoPanel::hasOutput(int channel) const {
-  return channel >= 1 && static_cast<std::size_t>(channel) <= outputs_.size();
+bool IoPanel::HasOutput(int channel) const {
+  return channel >= 1 && static_cast<std::size_t>(channel) <= outputs.size();
 }
 
-bool IoPanel::hasInput(int channel) const {
-  return channel >= 1 && static_cast<std::size_t>(channel) <= outputs_.size() + tools_.size();
+bool IoPanel::HasInput(int channel) const {
+  return channel >= 1 && static_cast<std::size_t>(channel) <= outputs.size() + tools.Size();
 }
 
-void IoPanel::setOutput(int channel, int value) {
-  outputs_[static_cast<std::size_t>(channel - 1)] = value;
+void IoPanel::SetOutput(int channel, int value) {
+  outputs[static_cast<std::size_t>(channel - 1)] = value;
 }
 
-int IoPanel::input(int channel, double now) const {
+int IoPanel::Input(int channel, double now) const {
   auto index = static_cast<std::size_t>(channel - 1);
-  if (index < outputs_.size()) {
-    return outputs_[index];
+  if (index < outputs.size()) {
+    return outputs[index];
   }
-  return tools_.sensor(index - outputs_.size(), now);
+  return tools.Sensor(index - outputs.size(), now);
 }
 
-void IoPanel::clearOutputs() {
-  std::fill(outputs_.begin(), outputs_.end(), 0);
-}
+void IoPanel::ClearOutputs() { std::fill(outputs.begin(), outputs.end(), 0); }
 
 }  // namespace tavsim

@@ -15,18 +15,18 @@ class IoPanel {
 public:
   explicit IoPanel(std::size_t outputCount);
 
-  bool hasOutput(int channel) const;
-  bool hasInput(int channel) const;
-  void setOutput(int channel, int value);
+  bool HasOutput(int channel) const;
+  bool HasInput(int channel) const;
+  void SetOutput(int channel, int value);
   // Only for channels where hasInput holds.
-  int input(int channel, double now) const;
-  void clearOutputs();
+  int Input(int channel, double now) const;
+  void ClearOutputs();
 
-  ToolRack& tools() { return tools_; }
+  ToolRack& Tools() { return tools; }
 
 private:
-  std::vector<int> outputs_;
-  ToolRack tools_;
+  std::vector<int> outputs;
+  ToolRack tools;
 };
 
 }  // namespace tavsim

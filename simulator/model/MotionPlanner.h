@@ -17,32 +17,32 @@ class MotionPlanner {
 public:
   MotionPlanner(const ArmKinematics& kinematics, double jointLimitDegrees);
 
-  double jointLimit() const { return jointLimit_; }
-  bool withinLimits(const JointVector& joints) const;
+  double JointLimit() const { return jointLimit; }
+  bool WithinLimits(const JointVector& joints) const;
 
   // Synchronised joint moves through each target in turn, stopping at each; null when
   // there are no targets.
-  std::unique_ptr<Trajectory> jointPath(const JointVector& start,
-                                        const std::vector<JointVector>& targets,
-                                        double velocity, double acceleration, double dwell) const;
+  std::unique_ptr<Trajectory> JointPath(const JointVector& start,
+                                        const std::vector<JointVector>& targets, double velocity,
+                                        double acceleration, double dwell) const;
 
   // Joint targets for tool poses, each the inverse solution nearest to the one before.
   // Returns a state code: kOk or kUnreachable.
-  int jointTargetsFor(const JointVector& start, const std::vector<Transform>& poses,
+  int JointTargetsFor(const JointVector& start, const std::vector<Transform>& poses,
                       std::vector<JointVector>& targets) const;
 
   // Follows a tool path, sampling the inverse kinematics along it. Returns kOk (with a null
   // trajectory for an empty path) or kUnreachable when a sample has no solution or the
   // joints would jump (the path crosses a singularity).
-  int toolPath(const JointVector& start, const CartesianPath& path, double velocity,
+  int ToolPath(const JointVector& start, const CartesianPath& path, double velocity,
                double acceleration, double dwell, std::unique_ptr<Trajectory>& out) const;
 
 private:
-  int sampleRun(const CartesianPath& path, std::size_t run, double velocity, double acceleration,
-                ArmKinematics::Joints& joints, std::unique_ptr<Trajectory>& out) const;
+  int _sampleRun(const CartesianPath& path, std::size_t run, double velocity, double acceleration,
+                 ArmKinematics::Joints& joints, std::unique_ptr<Trajectory>& out) const;
 
-  const ArmKinematics& kinematics_;
-  double jointLimit_;
+  const ArmKinematics& kinematics;
+  double jointLimit;
 };
 
 }  // namespace tavsim

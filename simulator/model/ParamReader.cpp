@@ -6,18 +6,18 @@ namespace tavsim {
 
 namespace {
 
-bool asInteger(const TextValue& value, int& out) {
+bool AsInteger(const TextValue& value, int& out) {
   if (value.kind != TextValue::Kind::Number && value.kind != TextValue::Kind::String) {
     return false;
   }
-  auto parsed = parseInteger(value.text);
+  auto parsed = ParseInteger(value.text);
   if (parsed) {
     out = *parsed;
   }
   return parsed.has_value();
 }
 
-bool asReals(const TextValue& value, std::vector<double>& out) {
+bool AsReals(const TextValue& value, std::vector<double>& out) {
   if (value.kind != TextValue::Kind::List) {
     return false;
   }
@@ -31,7 +31,7 @@ bool asReals(const TextValue& value, std::vector<double>& out) {
   return true;
 }
 
-bool asPose(const TextValue& value, Pose& out) {
+bool AsPose(const TextValue& value, Pose& out) {
   std::vector<double> numbers;
   if (value.kind != TextValue::Kind::List) {
     return false;
@@ -41,11 +41,11 @@ bool asPose(const TextValue& value, Pose& out) {
     std::vector<double> turn;
     TextValue position = value;
     position.items.pop_back();
-    if (!asReals(position, numbers) || !asReals(value.items[3], turn) || turn.size() != 3) {
+    if (!AsReals(position, numbers) || !AsReals(value.items[3], turn) || turn.size() != 3) {
       return false;
     }
     numbers.insert(numbers.end(), turn.begin(), turn.end());
-  } else if (!asReals(value, numbers) || numbers.size() != 6) {
+  } else if (!AsReals(value, numbers) || numbers.size() != 6) {
     return false;
   }
   out = Pose{numbers[0], numbers[1], numbers[2], numbers[3], numbers[4], numbers[5]};
@@ -55,8 +55,9 @@ bool asPose(const TextValue& value, Pose& out) {
 }  // namespace
 
 template <typename T>
-bool ParamReader::bare(const char* key, T& out, std::optional<T> (*parse)(std::string_view)) const {
-  const std::string* written = find(key);
+bool ParamReader::_bare(const char* key, T& out,
+                        std::optional<T> (*parse)(std::string_view)) const {
+  const std::string* written = _find(key);
   auto parsed = written ? parse(*written) : std::nullopt;
   if (parsed) {
     out = *parsed;
@@ -64,54 +65,50 @@ bool ParamReader::bare(const char* key, T& out, std::optional<T> (*parse)(std::s
   return parsed.has_value();
 }
 
-const std::string* ParamReader::find(const char* key) const {
-  auto found = params_.find(key);
-  return found == params_.end() ? nullptr : &found->second;
+const std::string* ParamReader::_find(const char* key) const {
+  auto found = params.find(key);
+  return found == params.end() ? nullptr : &found->second;
 }
 
-std::optional<TextValue> ParamReader::value(const char* key) const {
-  const std::string* written = find(key);
-  return written ? TextValue::parse(*written) : std::nullopt;
+std::optional<TextValue> ParamReader::_value(const char* key) const {
+  const std::string* written = _find(key);
+  return written ? TextValue::Parse(*written) : std::nullopt;
 }
 
-bool ParamReader::text(const char* key, std::string& out) const {
-  const std::string* written = find(key);
+bool ParamReader::Text(const char* key, std::string& out) const {
+  const std::string* written = _find(key);
   if (written) {
     out = *written;
   }
   return written != nullptr;
 }
 
-bool ParamReader::real(const char* key, double& out) const {
-  return bare(key, out, parseReal);
+bool ParamReader::Real(const char* key, double& out) const { return _bare(key, out, ParseReal); }
+
+bool ParamReader::Positive(const char* key, double& out) const {
+  return Real(key, out) && out > 0.0;
 }
 
-bool ParamReader::positive(const char* key, double& out) const {
-  return real(key, out) && out > 0.0;
-}
+bool ParamReader::Integer(const char* key, int& out) const { return _bare(key, out, ParseInteger); }
 
-bool ParamReader::integer(const char* key, int& out) const {
-  return bare(key, out, parseInteger);
-}
-
-bool ParamReader::flag(const char* key, bool& out) const {
+bool ParamReader::Flag(const char* key, bool& out) const {
   int number = 0;
-  if (!integer(key, number) || (number != 0 && number != 1)) {
+  if (!Integer(key, number) || (number != 0 && number != 1)) {
     return false;
   }
   out = number == 1;
   return true;
 }
 
-bool ParamReader::ids(const char* key, std::vector<int>& out) const {
-  auto parsed = value(key);
+bool ParamReader::Ids(const char* key, std::vector<int>& out) const {
+  auto parsed = _value(key);
   if (!parsed || parsed->kind != TextValue::Kind::List) {
     return false;
   }
   out.clear();
   for (const TextValue& item : parsed->items) {
     int id = 0;
-    if (!asInteger(item, id)) {
+    if (!AsInteger(item, id)) {
       return false;
     }
     out.push_back(id);
@@ -119,22 +116,22 @@ bool ParamReader::ids(const char* key, std::vector<int>& out) const {
   return true;
 }
 
-bool ParamReader::reals(const char* key, std::vector<double>& out) const {
-  auto parsed = value(key);
-  return parsed && asReals(*parsed, out);
+bool ParamReader::Reals(const char* key, std::vector<double>& out) const {
+  auto parsed = _value(key);
+  return parsed && AsReals(*parsed, out);
 }
 
-bool ParamReader::signals(const char* key, std::vector<std::pair<int, int>>& out) const {
-  auto parsed = value(key);
+bool ParamReader::Signals(const char* key, std::vector<std::pair<int, int>>& out) const {
+  auto parsed = _value(key);
   if (!parsed || parsed->kind != TextValue::Kind::Object) {
     return false;
   }
   out.clear();
   for (std::size_t i = 0; i < parsed->keys.size(); ++i) {
-    auto channel = parseInteger(parsed->keys[i]);
+    auto channel = ParseInteger(parsed->keys[i]);
     int level = 0;
     if (!channel || parsed->items[i].kind != TextValue::Kind::Number ||
-        !asInteger(parsed->items[i], level)) {
+        !AsInteger(parsed->items[i], level)) {
       return false;
     }
     out.emplace_back(*channel, level);
@@ -142,20 +139,20 @@ bool ParamReader::signals(const char* key, std::vector<std::pair<int, int>>& out
   return true;
 }
 
-bool ParamReader::pose(const char* key, Pose& out) const {
-  auto parsed = value(key);
-  return parsed && asPose(*parsed, out);
+bool ParamReader::SinglePose(const char* key, Pose& out) const {
+  auto parsed = _value(key);
+  return parsed && AsPose(*parsed, out);
 }
 
-bool ParamReader::poses(const char* key, std::vector<Pose>& out) const {
-  auto parsed = value(key);
+bool ParamReader::Poses(const char* key, std::vector<Pose>& out) const {
+  auto parsed = _value(key);
   if (!parsed || parsed->kind != TextValue::Kind::List) {
     return false;
   }
   out.clear();
   for (const TextValue& item : parsed->items) {
     Pose pose;
-    if (!asPose(item, pose)) {
+    if (!AsPose(item, pose)) {
       return false;
     }
     out.push_back(pose);
@@ -163,8 +160,8 @@ bool ParamReader::poses(const char* key, std::vector<Pose>& out) const {
   return true;
 }
 
-bool ParamReader::object(const char* key) const {
-  auto parsed = value(key);
+bool ParamReader::Object(const char* key) const {
+  auto parsed = _value(key);
   return parsed && parsed->kind == TextValue::Kind::Object;
 }
 

@@ -17,35 +17,35 @@ using Params = std::map<std::string, std::string>;
 // missing or its text is not of the expected form, and `out` may then hold anything.
 class ParamReader {
 public:
-  explicit ParamReader(const Params& params) : params_(params) {}
+  explicit ParamReader(const Params& params) : params(params) {}
 
-  bool text(const char* key, std::string& out) const;
-  bool real(const char* key, double& out) const;
+  bool Text(const char* key, std::string& out) const;
+  bool Real(const char* key, double& out) const;
   // A real > 0, as speeds and accelerations must be.
-  bool positive(const char* key, double& out) const;
-  bool integer(const char* key, int& out) const;
+  bool Positive(const char* key, double& out) const;
+  bool Integer(const char* key, int& out) const;
   // An integer that is 0 or 1 (relative, closed, block, virtual).
-  bool flag(const char* key, bool& out) const;
+  bool Flag(const char* key, bool& out) const;
   // `["1","2"]`; bare integers are accepted too.
-  bool ids(const char* key, std::vector<int>& out) const;
-  bool reals(const char* key, std::vector<double>& out) const;
+  bool Ids(const char* key, std::vector<int>& out) const;
+  bool Reals(const char* key, std::vector<double>& out) const;
   // `{"1": 0,"2": 1}` as (channel, value) pairs in written order.
-  bool signals(const char* key, std::vector<std::pair<int, int>>& out) const;
+  bool Signals(const char* key, std::vector<std::pair<int, int>>& out) const;
   // `[x,y,z,[roll,pitch,yaw]]`, or the six numbers flat.
-  bool pose(const char* key, Pose& out) const;
+  bool SinglePose(const char* key, Pose& out) const;
   // A list of poses: `[[...,[...]],[...]]`.
-  bool poses(const char* key, std::vector<Pose>& out) const;
+  bool Poses(const char* key, std::vector<Pose>& out) const;
   // Any `{...}` object, such as the set-up parameter line.
-  bool object(const char* key) const;
+  bool Object(const char* key) const;
 
 private:
-  const std::string* find(const char* key) const;
+  const std::string* _find(const char* key) const;
   // A bare number text read by `parse`.
   template <typename T>
-  bool bare(const char* key, T& out, std::optional<T> (*parse)(std::string_view)) const;
-  std::optional<TextValue> value(const char* key) const;
+  bool _bare(const char* key, T& out, std::optional<T> (*parse)(std::string_view)) const;
+  std::optional<TextValue> _value(const char* key) const;
 
-  const Params& params_;
+  const Params& params;
 };
 
 }  // namespace tavsim

@@ -18,27 +18,27 @@ class PathPiece {
 public:
   PathPiece(const Vec3& from, const Vec3& control, const Vec3& to, const Quaternion& startTurn,
             const Quaternion& endTurn);
-  static PathPiece line(const Vec3& from, const Vec3& to, const Quaternion& startTurn,
+  static PathPiece Line(const Vec3& from, const Vec3& to, const Quaternion& startTurn,
                         const Quaternion& endTurn);
 
-  double length() const { return length_; }
-  Transform poseAt(double s) const;
+  double Length() const { return length; }
+  Transform PoseAt(double s) const;
 
 private:
   static constexpr std::size_t kTableSteps = 32;
 
-  Vec3 curve(double u) const;
+  Vec3 _curve(double u) const;
   // Curve parameter at which the path has covered s.
-  double parameterAt(double s) const;
+  double _parameterAt(double s) const;
 
-  Vec3 from_;
-  Vec3 control_;
-  Vec3 to_;
-  Quaternion startTurn_;
-  Quaternion endTurn_;
+  Vec3 from;
+  Vec3 control;
+  Vec3 to;
+  Quaternion startTurn;
+  Quaternion endTurn;
   // Position arc length covered at u = i / kTableSteps.
-  std::array<double, kTableSteps + 1> covered_{};
-  double length_ = 0.0;
+  std::array<double, kTableSteps + 1> covered{};
+  double length = 0.0;
 };
 
 }  // namespace tavsim

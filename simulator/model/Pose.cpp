@@ -4,15 +4,15 @@
 
 namespace tavsim {
 
-Mat3 rotationFromRpy(double roll, double pitch, double yaw) {
-  return Mat3::rotZ(yaw) * Mat3::rotY(pitch) * Mat3::rotX(roll);
+Mat3 RotationFromRpy(double roll, double pitch, double yaw) {
+  return Mat3::RotZ(yaw) * Mat3::RotY(pitch) * Mat3::RotX(roll);
 }
 
-Transform poseToTransform(const Pose& pose) {
-  return {rotationFromRpy(pose.roll, pose.pitch, pose.yaw), {pose.x, pose.y, pose.z}};
+Transform PoseToTransform(const Pose& pose) {
+  return {RotationFromRpy(pose.roll, pose.pitch, pose.yaw), {pose.x, pose.y, pose.z}};
 }
 
-Pose transformToPose(const Transform& transform) {
+Pose TransformToPose(const Transform& transform) {
   const Mat3& r = transform.rotation;
   Pose pose{transform.translation.x, transform.translation.y, transform.translation.z, 0, 0, 0};
   double horizontal = std::hypot(r(0, 0), r(1, 0));

@@ -16,10 +16,10 @@ struct Pose {
   double yaw = 0.0;
 };
 
-Mat3 rotationFromRpy(double roll, double pitch, double yaw);
-Transform poseToTransform(const Pose& pose);
+Mat3 RotationFromRpy(double roll, double pitch, double yaw);
+Transform PoseToTransform(const Pose& pose);
 // At pitch = +-pi/2 roll and yaw are not separable; roll is then reported as 0.
-Pose transformToPose(const Transform& transform);
+Pose TransformToPose(const Transform& transform);
 
 }  // namespace tavsim
 

@@ -7,12 +7,10 @@ namespace tavsim {
 namespace {
 
 // Prints an exact zero without a sign, however it was computed.
-double withoutNegativeZero(double value) {
-  return value == 0.0 ? 0.0 : value;
-}
+double WithoutNegativeZero(double value) { return value == 0.0 ? 0.0 : value; }
 
 template <typename T, typename Format>
-std::string bracketed(const std::vector<T>& values, Format format) {
+std::string Bracketed(const std::vector<T>& values, Format format) {
   std::string text = "[";
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (i > 0) {
@@ -23,35 +21,31 @@ std::string bracketed(const std::vector<T>& values, Format format) {
   return text + "]";
 }
 
-std::string fixed(double value) {
+std::string Fixed(double value) {
   char buffer[64];
-  std::snprintf(buffer, sizeof buffer, "%.6f", withoutNegativeZero(value));
+  std::snprintf(buffer, sizeof buffer, "%.6f", WithoutNegativeZero(value));
   return buffer;
 }
 
-std::string general(double value) {
+std::string General(double value) {
   char buffer[64];
-  std::snprintf(buffer, sizeof buffer, "%.9g", withoutNegativeZero(value));
+  std::snprintf(buffer, sizeof buffer, "%.9g", WithoutNegativeZero(value));
   return buffer;
 }
 
 }  // namespace
 
-std::string fixedList(const std::vector<double>& values) {
-  return bracketed(values, fixed);
+std::string FixedList(const std::vector<double>& values) { return Bracketed(values, Fixed); }
+
+std::string IntegerList(const std::vector<int>& values) {
+  return Bracketed(values, [](int value) { return std::to_string(value); });
 }
 
-std::string integerList(const std::vector<int>& values) {
-  return bracketed(values, [](int value) { return std::to_string(value); });
+std::string PoseList(const Pose& pose) {
+  return Bracketed(std::vector<double>{pose.x, pose.y, pose.z, pose.roll, pose.pitch, pose.yaw},
+                   General);
 }
 
-std::string poseList(const Pose& pose) {
-  return bracketed(std::vector<double>{pose.x, pose.y, pose.z, pose.roll, pose.pitch, pose.yaw},
-                   general);
-}
-
-std::string stateText(int code) {
-  return std::to_string(code);
-}
+std::string StateText(int code) { return std::to_string(code); }
 
 }  // namespace tavsim

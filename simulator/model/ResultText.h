@@ -10,12 +10,12 @@ namespace tavsim {
 
 // Result texts in the form the client cleans and splits: "[a,b,c]".
 // Joint values, velocities and currents with six decimals ("%.6f").
-std::string fixedList(const std::vector<double>& values);
-std::string integerList(const std::vector<int>& values);
+std::string FixedList(const std::vector<double>& values);
+std::string IntegerList(const std::vector<int>& values);
 // x, y, z, roll, pitch, yaw with nine significant digits ("%.9g"): metres need more than six
 // decimals to survive a forward/inverse round trip.
-std::string poseList(const Pose& pose);
-std::string stateText(int code);
+std::string PoseList(const Pose& pose);
+std::string StateText(int code);
 
 }  // namespace tavsim
 

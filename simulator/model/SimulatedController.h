@@ -38,7 +38,7 @@ struct Reply {
   std::string result1;
   std::uint64_t ticket = 0;
 
-  bool pending() const { return ticket != 0; }
+  bool Pending() const { return ticket != 0; }
 };
 
 struct Completion {
@@ -52,23 +52,23 @@ struct Completion {
 // all clients then drive the same arm.
 class SimulatedController {
 public:
-  explicit SimulatedController(ControllerOptions options = {},
-                               std::shared_ptr<const Clock> clock = std::make_shared<SteadyClock>());
+  explicit SimulatedController(ControllerOptions options = {}, std::shared_ptr<const Clock> clock =
+                                                                   std::make_shared<SteadyClock>());
 
   // A finished reply, or a pending one ("wait_for_motors", or a move with "block" 1) that a
   // later poll() finishes.
-  Reply handle(const std::string& functionName, const Params& params);
+  Reply Handle(const std::string& functionName, const Params& params);
   // Pending replies finished since the last call (the motors arrived or were halted). Call
   // after every handle() and when secondsUntilNextCompletion() has passed.
-  std::vector<Completion> poll();
+  std::vector<Completion> Poll();
   // Drops a pending reply nobody will collect (its connection closed).
-  void cancel(std::uint64_t ticket);
+  void Cancel(std::uint64_t ticket);
   // Time until poll() would next have something if nothing else happens: 0 when it has now,
   // nothing when no reply is pending.
-  std::optional<double> secondsUntilNextCompletion() const;
+  std::optional<double> SecondsUntilNextCompletion() const;
 
-  ControllerMode mode() const;
-  std::size_t motorCount() const { return arm_.motorCount(); }
+  ControllerMode Mode() const;
+  std::size_t MotorCount() const { return arm.MotorCount(); }
 
 private:
   using Handler = Reply (SimulatedController::*)(const ParamReader&, double);
@@ -81,79 +81,79 @@ private:
     std::vector<std::size_t> motors;
   };
 
-  static const Command* findCommand(const std::string& functionName);
-  static Reply done(int state, std::string result = {});
+  static const Command* _findCommand(const std::string& functionName);
+  static Reply _done(int state, std::string result = {});
 
   // Motor ids (1-based) to indices; kOk or kUnknownMotor.
-  int resolveMotors(const std::vector<int>& ids, std::vector<std::size_t>& motors) const;
+  int _resolveMotors(const std::vector<int>& ids, std::vector<std::size_t>& motors) const;
   // The "motor_ids" parameter resolved; kOk, kBadParameter or kUnknownMotor.
-  int readMotors(const ParamReader& params, std::vector<std::size_t>& motors) const;
-  bool hasArm() const { return arm_.motorCount() >= ArmKinematics::kJoints; }
-  std::vector<std::size_t> armMotors() const;
-  std::vector<std::size_t> allMotors() const;
-  JointVector armJoints(double now) const;
+  int _readMotors(const ParamReader& params, std::vector<std::size_t>& motors) const;
+  bool _hasArm() const { return arm.MotorCount() >= ArmKinematics::kJoints; }
+  std::vector<std::size_t> _armMotors() const;
+  std::vector<std::size_t> _allMotors() const;
+  JointVector _armJoints(double now) const;
 
-  void collectArrivals(double now);
+  void _collectArrivals(double now);
   // Halts the motions of `motors`; pending waits on them finish as interrupted.
-  void haltMotors(const std::vector<std::size_t>& motors, double now);
+  void _haltMotors(const std::vector<std::size_t>& motors, double now);
   // Powers (limp false) or releases (limp true) the motors.
-  void setDrives(const std::vector<std::size_t>& motors, bool limp);
+  void _setDrives(const std::vector<std::size_t>& motors, bool limp);
   // Halts everything, clears the outputs and frees the tools.
-  void quiesce(double now);
-  Reply awaitRest(std::vector<std::size_t> motors, double now);
+  void _quiesce(double now);
+  Reply _awaitRest(std::vector<std::size_t> motors, double now);
   // Starts a planned motion (null: nothing to do) and answers it, pending if `block`.
-  Reply launch(std::unique_ptr<Trajectory> trajectory, const std::vector<std::size_t>& motors,
-               bool block, double now);
-  Reply launchToolPath(const std::vector<Waypoint>& waypoints, double velocity,
-                       double acceleration, double dwell, bool block, double now);
+  Reply _launch(std::unique_ptr<Trajectory> trajectory, const std::vector<std::size_t>& motors,
+                bool block, double now);
+  Reply _launchToolPath(const std::vector<Waypoint>& waypoints, double velocity,
+                        double acceleration, double dwell, bool block, double now);
   // kOk, or why the arm cannot follow a tool path now.
-  int armMotionCheck() const;
+  int _armMotionCheck() const;
 
   // Session and state commands.
-  Reply setup(const ParamReader& params, double now);
-  Reply motorIds(const ParamReader& params, double now);
-  Reply finalize(const ParamReader& params, double now);
-  Reply recover(const ParamReader& params, double now);
-  Reply stop(const ParamReader& params, double now);
-  Reply calibrate(const ParamReader& params, double now);
-  Reply reset(const ParamReader& params, double now);
+  Reply _setup(const ParamReader& params, double now);
+  Reply _motorIds(const ParamReader& params, double now);
+  Reply _finalize(const ParamReader& params, double now);
+  Reply _recover(const ParamReader& params, double now);
+  Reply _stop(const ParamReader& params, double now);
+  Reply _calibrate(const ParamReader& params, double now);
+  Reply _reset(const ParamReader& params, double now);
   // Motion.
-  Reply moveToAngles(const ParamReader& params, double now);
-  Reply moveToPosition(const ParamReader& params, double now);
-  Reply moveJ(const ParamReader& params, double now);
-  Reply moveL(const ParamReader& params, double now);
-  Reply moveP(const ParamReader& params, double now);
+  Reply _moveToAngles(const ParamReader& params, double now);
+  Reply _moveToPosition(const ParamReader& params, double now);
+  Reply _moveJ(const ParamReader& params, double now);
+  Reply _moveL(const ParamReader& params, double now);
+  Reply _moveP(const ParamReader& params, double now);
   // Motors, outputs, tools.
-  Reply hold(const ParamReader& params, double now);
-  Reply release(const ParamReader& params, double now);
-  Reply waitForMotors(const ParamReader& params, double now);
-  Reply switchDrives(const ParamReader& params, double now, bool limp);
-  Reply setOutput(const ParamReader& params, double now);
-  Reply toolAction(const ParamReader& params, double now);
+  Reply _hold(const ParamReader& params, double now);
+  Reply _release(const ParamReader& params, double now);
+  Reply _waitForMotors(const ParamReader& params, double now);
+  Reply _switchDrives(const ParamReader& params, double now, bool limp);
+  Reply _setOutput(const ParamReader& params, double now);
+  Reply _toolAction(const ParamReader& params, double now);
   // Queries and kinematics.
-  Reply angles(const ParamReader& params, double now);
-  Reply velocities(const ParamReader& params, double now);
-  Reply currents(const ParamReader& params, double now);
-  Reply inputs(const ParamReader& params, double now);
-  Reply position(const ParamReader& params, double now);
-  Reply forward(const ParamReader& params, double now);
-  Reply inverse(const ParamReader& params, double now);
+  Reply _angles(const ParamReader& params, double now);
+  Reply _velocities(const ParamReader& params, double now);
+  Reply _currents(const ParamReader& params, double now);
+  Reply _inputs(const ParamReader& params, double now);
+  Reply _position(const ParamReader& params, double now);
+  Reply _forward(const ParamReader& params, double now);
+  Reply _inverse(const ParamReader& params, double now);
 
   // Shared shape of the per-motor queries.
   template <typename Value>
-  Reply motorQuery(const ParamReader& params, Value value);
+  Reply _motorQuery(const ParamReader& params, Value value);
 
-  std::shared_ptr<const Clock> clock_;
-  ArmKinematics kinematics_;
-  MotionPlanner planner_;
-  CurrentModel currentModel_;
-  mutable std::mutex mutex_;
-  ControllerState state_;
-  Arm arm_;
-  IoPanel io_;
-  std::vector<Wait> waits_;
-  std::vector<Completion> finished_;
-  std::uint64_t nextTicket_ = 1;
+  std::shared_ptr<const Clock> clock;
+  ArmKinematics kinematics;
+  MotionPlanner planner;
+  CurrentModel currentModel;
+  mutable std::mutex mutex;
+  ControllerState controllerState;
+  Arm arm;
+  IoPanel io;
+  std::vector<Wait> waits;
+  std::vector<Completion> finished;
+  std::uint64_t nextTicket = 1;
 };
 
 }  // namespace tavsim

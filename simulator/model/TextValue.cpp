@@ -11,15 +11,13 @@ namespace {
 // Deep enough for a list of poses; guards the recursion against hostile input.
 constexpr int kMaxDepth = 8;
 
-bool isBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
-std::string_view trim(std::string_view text) {
-  while (!text.empty() && isBlank(text.front())) {
+std::string_view Trim(std::string_view text) {
+  while (!text.empty() && IsBlank(text.front())) {
     text.remove_prefix(1);
   }
-  while (!text.empty() && isBlank(text.back())) {
+  while (!text.empty() && IsBlank(text.back())) {
     text.remove_suffix(1);
   }
   return text;
@@ -27,8 +25,8 @@ std::string_view trim(std::string_view text) {
 
 // The whole text (blanks around it and a leading '+' allowed) as one number of type T.
 template <typename T>
-std::optional<T> parseWhole(std::string_view text) {
-  text = trim(text);
+std::optional<T> ParseWhole(std::string_view text) {
+  text = Trim(text);
   if (!text.empty() && text.front() == '+') {
     text.remove_prefix(1);
   }
@@ -43,32 +41,32 @@ std::optional<T> parseWhole(std::string_view text) {
 
 class Reader {
 public:
-  explicit Reader(std::string_view text) : text_(text) {}
+  explicit Reader(std::string_view text) : text(text) {}
 
-  std::optional<TextValue> document() {
-    auto value = parseValue(0);
-    skipBlanks();
-    if (!value || pos_ != text_.size()) {
+  std::optional<TextValue> Document() {
+    auto value = _parseValue(0);
+    _skipBlanks();
+    if (!value || pos != text.size()) {
       return std::nullopt;
     }
     return value;
   }
 
 private:
-  std::optional<TextValue> parseValue(int depth) {
-    skipBlanks();
-    if (pos_ >= text_.size() || depth > kMaxDepth) {
+  std::optional<TextValue> _parseValue(int depth) {
+    _skipBlanks();
+    if (pos >= text.size() || depth > kMaxDepth) {
       return std::nullopt;
     }
-    char c = text_[pos_];
+    char c = text[pos];
     if (c == '[') {
-      return parseList(depth);
+      return _parseList(depth);
     }
     if (c == '{') {
-      return parseObject(depth);
+      return _parseObject(depth);
     }
     if (c == '"') {
-      auto content = parseString();
+      auto content = _parseString();
       if (!content) {
         return std::nullopt;
       }
@@ -77,80 +75,80 @@ private:
       value.text = std::move(*content);
       return value;
     }
-    return parseNumber();
+    return _parseNumber();
   }
 
-  std::optional<TextValue> parseList(int depth) {
+  std::optional<TextValue> _parseList(int depth) {
     TextValue list;
     list.kind = TextValue::Kind::List;
-    ++pos_;
-    if (consume(']')) {
+    ++pos;
+    if (_consume(']')) {
       return list;
     }
     do {
-      auto item = parseValue(depth + 1);
+      auto item = _parseValue(depth + 1);
       if (!item) {
         return std::nullopt;
       }
       list.items.push_back(std::move(*item));
-    } while (consume(','));
-    return consume(']') ? std::optional<TextValue>(std::move(list)) : std::nullopt;
+    } while (_consume(','));
+    return _consume(']') ? std::optional<TextValue>(std::move(list)) : std::nullopt;
   }
 
-  std::optional<TextValue> parseObject(int depth) {
+  std::optional<TextValue> _parseObject(int depth) {
     TextValue object;
     object.kind = TextValue::Kind::Object;
-    ++pos_;
-    if (consume('}')) {
+    ++pos;
+    if (_consume('}')) {
       return object;
     }
     do {
-      skipBlanks();
-      if (pos_ >= text_.size() || text_[pos_] != '"') {
+      _skipBlanks();
+      if (pos >= text.size() || text[pos] != '"') {
         return std::nullopt;
       }
-      auto key = parseString();
-      if (!key || !consume(':')) {
+      auto key = _parseString();
+      if (!key || !_consume(':')) {
         return std::nullopt;
       }
-      auto item = parseValue(depth + 1);
+      auto item = _parseValue(depth + 1);
       if (!item) {
         return std::nullopt;
       }
       object.keys.push_back(std::move(*key));
       object.items.push_back(std::move(*item));
-    } while (consume(','));
-    return consume('}') ? std::optional<TextValue>(std::move(object)) : std::nullopt;
+    } while (_consume(','));
+    return _consume('}') ? std::optional<TextValue>(std::move(object)) : std::nullopt;
   }
 
   // At the opening quote.
-  std::optional<std::string> parseString() {
+  std::optional<std::string> _parseString() {
     std::string content;
-    for (++pos_; pos_ < text_.size(); ++pos_) {
-      char c = text_[pos_];
+    for (++pos; pos < text.size(); ++pos) {
+      char c = text[pos];
       if (c == '"') {
-        ++pos_;
+        ++pos;
         return content;
       }
       if (c == '\\') {
-        if (++pos_ >= text_.size() || (text_[pos_] != '"' && text_[pos_] != '\\')) {
+        if (++pos >= text.size() || (text[pos] != '"' && text[pos] != '\\')) {
           return std::nullopt;
         }
-        c = text_[pos_];
+        c = text[pos];
       }
       content.push_back(c);
     }
     return std::nullopt;
   }
 
-  std::optional<TextValue> parseNumber() {
-    std::size_t start = pos_;
-    while (pos_ < text_.size() && text_[pos_] != ',' && text_[pos_] != ']' &&
-           text_[pos_] != '}' && !isBlank(text_[pos_])) {
-      ++pos_;
+  std::optional<TextValue> _parseNumber() {
+    std::size_t start = pos;
+    while (pos < text.size() && text[pos] != ',' && text[pos] != ']' && text[pos] != '}' &&
+           !IsBlank(text[pos])) {
+      ++pos;
     }
-    std::string_view written = text_.substr(start, pos_ - start);
-    auto number = parseReal(written);
+    std::string_view written = text.substr(start, pos - start);
+    auto number = ParseReal(written);
     if (!number) {
       return std::nullopt;
     }
@@ -160,38 +158,34 @@ private:
     return value;
   }
 
-  bool consume(char expected) {
-    skipBlanks();
-    if (pos_ < text_.size() && text_[pos_] == expected) {
-      ++pos_;
+  bool _consume(char expected) {
+    _skipBlanks();
+    if (pos < text.size() && text[pos] == expected) {
+      ++pos;
       return true;
     }
     return false;
   }
 
-  void skipBlanks() {
-    while (pos_ < text_.size() && isBlank(text_[pos_])) {
-      ++pos_;
+  void _skipBlanks() {
+    while (pos < text.size() && IsBlank(text[pos])) {
+      ++pos;
     }
   }
 
-  std::string_view text_;
-  std::size_t pos_ = 0;
+  std::string_view text;
+  std::size_t pos = 0;
 };
 
 }  // namespace
 
-std::optional<TextValue> TextValue::parse(std::string_view text) {
-  return Reader(text).document();
-}
+std::optional<TextValue> TextValue::Parse(std::string_view text) { return Reader(text).Document(); }
 
-std::optional<double> parseReal(std::string_view text) {
-  auto value = parseWhole<double>(text);
+std::optional<double> ParseReal(std::string_view text) {
+  auto value = ParseWhole<double>(text);
   return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
-std::optional<int> parseInteger(std::string_view text) {
-  return parseWhole<int>(text);
-}
+std::optional<int> ParseInteger(std::string_view text) { return ParseWhole<int>(text); }
 
 }  // namespace tavsim

@@ -15,18 +15,18 @@ struct TextValue {
   enum class Kind { Number, String, List, Object };
 
   Kind kind = Kind::Number;
-  double number = 0.0;             // Number
-  std::string text;                // Number: its text as written; String: its content
-  std::vector<TextValue> items;    // List items, Object values
-  std::vector<std::string> keys;   // Object keys, one per value
+  double number = 0.0;            // Number
+  std::string text;               // Number: its text as written; String: its content
+  std::vector<TextValue> items;   // List items, Object values
+  std::vector<std::string> keys;  // Object keys, one per value
 
   // Whole text, surrounding blanks allowed; empty on any fault (never throws on bad text).
-  static std::optional<TextValue> parse(std::string_view text);
+  static std::optional<TextValue> Parse(std::string_view text);
 };
 
 // Strict readers of a bare number text: the whole text must be the number.
-std::optional<double> parseReal(std::string_view text);
-std::optional<int> parseInteger(std::string_view text);
+std::optional<double> ParseReal(std::string_view text);
+std::optional<int> ParseInteger(std::string_view text);
 
 }  // namespace tavsim
 

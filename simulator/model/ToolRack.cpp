@@ -5,11 +5,11 @@
 namespace tavsim {
 
 ToolRack::ToolRack()
-    : tools_{{"gripper", {{"close", true}, {"open", false}}, 0.5},
-             {"vacuum", {{"on", true}, {"off", false}}, 0.2}} {}
+    : tools{{"gripper", {{"close", true}, {"open", false}}, 0.5},
+            {"vacuum", {{"on", true}, {"off", false}}, 0.2}} {}
 
-int ToolRack::act(const std::string& tool, const std::string& action, double now) {
-  for (Tool& t : tools_) {
+int ToolRack::Act(const std::string& tool, const std::string& action, double now) {
+  for (Tool& t : tools) {
     if (t.name != tool) {
       continue;
     }
@@ -26,13 +26,13 @@ int ToolRack::act(const std::string& tool, const std::string& action, double now
   return StateCodes::kUnknownTool;
 }
 
-int ToolRack::sensor(std::size_t index, double now) const {
-  const Tool& t = tools_[index];
+int ToolRack::Sensor(std::size_t index, double now) const {
+  const Tool& t = tools[index];
   return t.engaged && now >= t.changedAt + t.travelSeconds ? 1 : 0;
 }
 
-void ToolRack::reset() {
-  for (Tool& t : tools_) {
+void ToolRack::Reset() {
+  for (Tool& t : tools) {
     t.engaged = false;
   }
 }

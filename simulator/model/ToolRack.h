@@ -17,13 +17,13 @@ class ToolRack {
 public:
   ToolRack();
 
-  std::size_t size() const { return tools_.size(); }
+  std::size_t Size() const { return tools.size(); }
   // StateCodes::kOk, or kUnknownTool for an unknown tool or action.
-  int act(const std::string& tool, const std::string& action, double now);
+  int Act(const std::string& tool, const std::string& action, double now);
   // Sensor of the tool at `index` (mount order): 1 once it has fully engaged, else 0.
-  int sensor(std::size_t index, double now) const;
+  int Sensor(std::size_t index, double now) const;
   // Every tool back to its free state at once.
-  void reset();
+  void Reset();
 
 private:
   struct Tool {
@@ -34,7 +34,7 @@ private:
     double changedAt = 0.0;
   };
 
-  std::vector<Tool> tools_;
+  std::vector<Tool> tools;
 };
 
 }  // namespace tavsim

@@ -11,7 +11,7 @@ namespace {
 constexpr double kVelocityStep = 1e-3;
 constexpr double kAccelerationStep = 5e-3;
 
-JointVector difference(const JointVector& later, const JointVector& earlier, double seconds) {
+JointVector Difference(const JointVector& later, const JointVector& earlier, double seconds) {
   JointVector rate(later.size(), 0.0);
   for (std::size_t i = 0; i < later.size(); ++i) {
     rate[i] = (later[i] - earlier[i]) / seconds;
@@ -19,80 +19,80 @@ JointVector difference(const JointVector& later, const JointVector& earlier, dou
   return rate;
 }
 
-JointVector resting(const Trajectory& trajectory, double t) {
-  return JointVector(trajectory.positionAt(t).size(), 0.0);
+JointVector Resting(const Trajectory& trajectory, double t) {
+  return JointVector(trajectory.PositionAt(t).size(), 0.0);
 }
 
 }  // namespace
 
-JointVector Trajectory::velocityAt(double t) const {
-  double end = duration();
+JointVector Trajectory::VelocityAt(double t) const {
+  double end = Duration();
   if (t <= 0.0 || t >= end) {
-    return resting(*this, t);
+    return Resting(*this, t);
   }
   double before = std::max(0.0, t - kVelocityStep);
   double after = std::min(end, t + kVelocityStep);
-  return difference(positionAt(after), positionAt(before), after - before);
+  return Difference(PositionAt(after), PositionAt(before), after - before);
 }
 
-JointVector Trajectory::accelerationAt(double t) const {
-  if (t <= 0.0 || t >= duration()) {
-    return resting(*this, t);
+JointVector Trajectory::AccelerationAt(double t) const {
+  if (t <= 0.0 || t >= Duration()) {
+    return Resting(*this, t);
   }
-  return difference(velocityAt(t + kAccelerationStep), velocityAt(t - kAccelerationStep),
+  return Difference(VelocityAt(t + kAccelerationStep), VelocityAt(t - kAccelerationStep),
                     2.0 * kAccelerationStep);
 }
 
-JointRamp::JointRamp(JointVector from, JointVector to, double velocity, double acceleration)
-    : from_(std::move(from)),
-      delta_(difference(to, from_, 1.0)),
-      length_(0.0),
-      profile_(0.0, velocity, acceleration) {
-  for (double d : delta_) {
-    length_ = std::max(length_, std::abs(d));
+JointRamp::JointRamp(JointVector start, JointVector to, double velocity, double acceleration)
+    : from(std::move(start)),
+      delta(Difference(to, from, 1.0)),
+      length(0.0),
+      profile(0.0, velocity, acceleration) {
+  for (double d : delta) {
+    length = std::max(length, std::abs(d));
   }
-  profile_ = TrapezoidProfile(length_, velocity, acceleration);
+  profile = TrapezoidProfile(length, velocity, acceleration);
 }
 
-JointVector JointRamp::positionAt(double t) const {
-  double fraction = length_ > 0.0 ? profile_.position(t) / length_ : 0.0;
-  JointVector position(from_.size(), 0.0);
-  for (std::size_t i = 0; i < from_.size(); ++i) {
-    position[i] = from_[i] + delta_[i] * fraction;
+JointVector JointRamp::PositionAt(double t) const {
+  double fraction = length > 0.0 ? profile.Position(t) / length : 0.0;
+  JointVector position(from.size(), 0.0);
+  for (std::size_t i = 0; i < from.size(); ++i) {
+    position[i] = from[i] + delta[i] * fraction;
   }
   return position;
 }
 
-JointVector JointRamp::velocityAt(double t) const {
-  double rate = length_ > 0.0 ? profile_.velocity(t) / length_ : 0.0;
-  JointVector velocity(delta_.size(), 0.0);
-  for (std::size_t i = 0; i < delta_.size(); ++i) {
-    velocity[i] = delta_[i] * rate;
+JointVector JointRamp::VelocityAt(double t) const {
+  double rate = length > 0.0 ? profile.Velocity(t) / length : 0.0;
+  JointVector velocity(delta.size(), 0.0);
+  for (std::size_t i = 0; i < delta.size(); ++i) {
+    velocity[i] = delta[i] * rate;
   }
   return velocity;
 }
 
-Dwell::Dwell(JointVector at, double seconds) : at_(std::move(at)), seconds_(seconds) {}
+Dwell::Dwell(JointVector at, double seconds) : at(std::move(at)), seconds(seconds) {}
 
 SampledTrajectory::SampledTrajectory(double step, std::vector<JointVector> samples)
-    : step_(step), samples_(std::move(samples)) {}
+    : step(step), samples(std::move(samples)) {}
 
-double SampledTrajectory::duration() const {
-  return step_ * static_cast<double>(samples_.size() - 1);
+double SampledTrajectory::Duration() const {
+  return step * static_cast<double>(samples.size() - 1);
 }
 
-JointVector SampledTrajectory::positionAt(double t) const {
+JointVector SampledTrajectory::PositionAt(double t) const {
   if (t <= 0.0) {
-    return samples_.front();
+    return samples.front();
   }
-  if (t >= duration()) {
-    return samples_.back();
+  if (t >= Duration()) {
+    return samples.back();
   }
-  double scaled = t / step_;
+  double scaled = t / step;
   auto index = static_cast<std::size_t>(scaled);
   double u = scaled - static_cast<double>(index);
-  const JointVector& a = samples_[index];
-  const JointVector& b = samples_[index + 1];
+  const JointVector& a = samples[index];
+  const JointVector& b = samples[index + 1];
   JointVector position(a.size(), 0.0);
   for (std::size_t i = 0; i < a.size(); ++i) {
     position[i] = a[i] + (b[i] - a[i]) * u;
@@ -100,31 +100,32 @@ JointVector SampledTrajectory::positionAt(double t) const {
   return position;
 }
 
-TrajectoryChain::TrajectoryChain(std::vector<std::unique_ptr<Trajectory>> parts)
-    : parts_(std::move(parts)) {
-  for (const auto& part : parts_) {
-    starts_.push_back(duration_);
-    duration_ += part->duration();
+TrajectoryChain::TrajectoryChain(std::vector<std::unique_ptr<Trajectory>> pieces)
+    : parts(std::move(pieces)) {
+  for (const auto& part : parts) {
+    starts.push_back(duration);
+    duration += part->Duration();
   }
 }
 
-const Trajectory& TrajectoryChain::partAt(double t, double& local) const {
-  auto after = std::upper_bound(starts_.begin(), starts_.end(), t);
-  std::size_t index = after == starts_.begin() ? 0 : static_cast<std::size_t>(after - starts_.begin()) - 1;
-  local = t - starts_[index];
-  return *parts_[index];
+const Trajectory& TrajectoryChain::_partAt(double t, double& local) const {
+  auto after = std::upper_bound(starts.begin(), starts.end(), t);
+  std::size_t index =
+      after == starts.begin() ? 0 : static_cast<std::size_t>(after - starts.begin()) - 1;
+  local = t - starts[index];
+  return *parts[index];
 }
 
-JointVector TrajectoryChain::positionAt(double t) const {
+JointVector TrajectoryChain::PositionAt(double t) const {
   double local = 0.0;
-  const Trajectory& part = partAt(t, local);
-  return part.positionAt(local);
+  const Trajectory& part = _partAt(t, local);
+  return part.PositionAt(local);
 }
 
-JointVector TrajectoryChain::velocityAt(double t) const {
+JointVector TrajectoryChain::VelocityAt(double t) const {
   double local = 0.0;
-  const Trajectory& part = partAt(t, local);
-  return part.velocityAt(local);
+  const Trajectory& part = _partAt(t, local);
+  return part.VelocityAt(local);
 }
 
 }  // namespace tavsim

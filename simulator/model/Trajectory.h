@@ -16,41 +16,41 @@ using JointVector = std::vector<double>;
 class Trajectory {
 public:
   virtual ~Trajectory() = default;
-  virtual double duration() const = 0;
-  virtual JointVector positionAt(double t) const = 0;
+  virtual double Duration() const = 0;
+  virtual JointVector PositionAt(double t) const = 0;
   // Degrees per second; a central difference of positionAt unless a subclass knows better.
-  virtual JointVector velocityAt(double t) const;
+  virtual JointVector VelocityAt(double t) const;
   // Degrees per second squared: a central difference of velocityAt.
-  JointVector accelerationAt(double t) const;
+  JointVector AccelerationAt(double t) const;
 };
 
 // Straight joint-space move with all joints synchronised: the joint with the longest way
 // follows a trapezoid under the given limits and the others scale along with it.
 class JointRamp final : public Trajectory {
 public:
-  JointRamp(JointVector from, JointVector to, double velocity, double acceleration);
-  double duration() const override { return profile_.duration(); }
-  JointVector positionAt(double t) const override;
-  JointVector velocityAt(double t) const override;
+  JointRamp(JointVector start, JointVector to, double velocity, double acceleration);
+  double Duration() const override { return profile.Duration(); }
+  JointVector PositionAt(double t) const override;
+  JointVector VelocityAt(double t) const override;
 
 private:
-  JointVector from_;
-  JointVector delta_;
-  double length_;
-  TrapezoidProfile profile_;
+  JointVector from;
+  JointVector delta;
+  double length;
+  TrapezoidProfile profile;
 };
 
 // Standing still, for the pause at a path's stop points.
 class Dwell final : public Trajectory {
 public:
   Dwell(JointVector at, double seconds);
-  double duration() const override { return seconds_; }
-  JointVector positionAt(double) const override { return at_; }
-  JointVector velocityAt(double) const override { return JointVector(at_.size(), 0.0); }
+  double Duration() const override { return seconds; }
+  JointVector PositionAt(double) const override { return at; }
+  JointVector VelocityAt(double) const override { return JointVector(at.size(), 0.0); }
 
 private:
-  JointVector at_;
-  double seconds_;
+  JointVector at;
+  double seconds;
 };
 
 // Joint positions sampled at a fixed step, linearly interpolated in between.
@@ -58,29 +58,29 @@ class SampledTrajectory final : public Trajectory {
 public:
   // At least one sample; step > 0.
   SampledTrajectory(double step, std::vector<JointVector> samples);
-  double duration() const override;
-  JointVector positionAt(double t) const override;
+  double Duration() const override;
+  JointVector PositionAt(double t) const override;
 
 private:
-  double step_;
-  std::vector<JointVector> samples_;
+  double step;
+  std::vector<JointVector> samples;
 };
 
 // Trajectories run one after another; each starts where the previous one ended.
 class TrajectoryChain final : public Trajectory {
 public:
-  explicit TrajectoryChain(std::vector<std::unique_ptr<Trajectory>> parts);
-  double duration() const override { return duration_; }
-  JointVector positionAt(double t) const override;
-  JointVector velocityAt(double t) const override;
+  explicit TrajectoryChain(std::vector<std::unique_ptr<Trajectory>> pieces);
+  double Duration() const override { return duration; }
+  JointVector PositionAt(double t) const override;
+  JointVector VelocityAt(double t) const override;
 
 private:
   // The part running at t and t relative to its start.
-  const Trajectory& partAt(double t, double& local) const;
+  const Trajectory& _partAt(double t, double& local) const;
 
-  std::vector<std::unique_ptr<Trajectory>> parts_;
-  std::vector<double> starts_;
-  double duration_ = 0.0;
+  std::vector<std::unique_ptr<Trajectory>> parts;
+  std::vector<double> starts;
+  double duration = 0.0;
 };
 
 }  // namespace tavsim

@@ -5,48 +5,48 @@
 namespace tavsim {
 
 TrapezoidProfile::TrapezoidProfile(double distance, double maxVelocity, double acceleration)
-    : distance_(distance), acceleration_(acceleration) {
+    : distance(distance), acceleration(acceleration) {
   double rampDistance = maxVelocity * maxVelocity / acceleration;
   if (distance >= rampDistance) {
-    peakVelocity_ = maxVelocity;
-    rampTime_ = maxVelocity / acceleration;
-    cruiseTime_ = (distance - rampDistance) / maxVelocity;
+    peakVelocity = maxVelocity;
+    rampTime = maxVelocity / acceleration;
+    cruiseTime = (distance - rampDistance) / maxVelocity;
   } else {
-    rampTime_ = std::sqrt(distance / acceleration);
-    peakVelocity_ = acceleration * rampTime_;
-    cruiseTime_ = 0.0;
+    rampTime = std::sqrt(distance / acceleration);
+    peakVelocity = acceleration * rampTime;
+    cruiseTime = 0.0;
   }
 }
 
-double TrapezoidProfile::position(double t) const {
+double TrapezoidProfile::Position(double t) const {
   if (t <= 0.0) {
     return 0.0;
   }
-  if (t >= duration()) {
-    return distance_;
+  if (t >= Duration()) {
+    return distance;
   }
-  if (t < rampTime_) {
-    return 0.5 * acceleration_ * t * t;
+  if (t < rampTime) {
+    return 0.5 * acceleration * t * t;
   }
-  double rampDistance = 0.5 * acceleration_ * rampTime_ * rampTime_;
-  if (t < rampTime_ + cruiseTime_) {
-    return rampDistance + peakVelocity_ * (t - rampTime_);
+  double rampDistance = 0.5 * acceleration * rampTime * rampTime;
+  if (t < rampTime + cruiseTime) {
+    return rampDistance + peakVelocity * (t - rampTime);
   }
-  double left = duration() - t;
-  return distance_ - 0.5 * acceleration_ * left * left;
+  double left = Duration() - t;
+  return distance - 0.5 * acceleration * left * left;
 }
 
-double TrapezoidProfile::velocity(double t) const {
-  if (t <= 0.0 || t >= duration()) {
+double TrapezoidProfile::Velocity(double t) const {
+  if (t <= 0.0 || t >= Duration()) {
     return 0.0;
   }
-  if (t < rampTime_) {
-    return acceleration_ * t;
+  if (t < rampTime) {
+    return acceleration * t;
   }
-  if (t < rampTime_ + cruiseTime_) {
-    return peakVelocity_;
+  if (t < rampTime + cruiseTime) {
+    return peakVelocity;
   }
-  return acceleration_ * (duration() - t);
+  return acceleration * (Duration() - t);
 }
 
 }  // namespace tavsim

@@ -12,16 +12,16 @@ public:
   // distance >= 0; maxVelocity and acceleration > 0 (checked by the caller).
   TrapezoidProfile(double distance, double maxVelocity, double acceleration);
 
-  double duration() const { return 2.0 * rampTime_ + cruiseTime_; }
-  double position(double t) const;
-  double velocity(double t) const;
+  double Duration() const { return 2.0 * rampTime + cruiseTime; }
+  double Position(double t) const;
+  double Velocity(double t) const;
 
 private:
-  double distance_;
-  double acceleration_;
-  double peakVelocity_;
-  double rampTime_;
-  double cruiseTime_;
+  double distance;
+  double acceleration;
+  double peakVelocity;
+  double rampTime;
+  double cruiseTime;
 };
 
 }  // namespace tavsim

@@ -19,7 +19,8 @@ bool ReadNumber(const std::string& text, Number lowest, Number highest, Number& 
 }
 
 // Applies `option` with its `value`; false with `problem` set when either is bad.
-bool Apply(CommandLine& line, const std::string& option, const std::string& value, std::string& problem) {
+bool Apply(CommandLine& line, const std::string& option, const std::string& value,
+           std::string& problem) {
   bool ok = true;
   if (option == "--host") {
     line.host = value;
@@ -43,7 +44,8 @@ bool Apply(CommandLine& line, const std::string& option, const std::string& valu
 
 }  // namespace
 
-std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& arguments, std::string& problem) {
+std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& arguments,
+                                            std::string& problem) {
   CommandLine line;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string& option = arguments[i];
@@ -51,7 +53,8 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& argu
       line.help = true;
     } else if (option == "--quiet") {
       line.quiet = true;
-    } else if (option == "--host" || option == "--port" || option == "--motors" || option == "--fault") {
+    } else if (option == "--host" || option == "--port" || option == "--motors" ||
+               option == "--fault") {
       if (i + 1 == arguments.size()) {
         problem = option + " needs a value";
         return std::nullopt;
@@ -68,23 +71,30 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& argu
 }
 
 std::string Usage(const std::string& program) {
-  return "Usage: " + program + " [--host ADDRESS] [--port PORT] [--motors N] [--fault RULE]... [--quiet]\n"
+  return "Usage: " + program +
+         " [--host ADDRESS] [--port PORT] [--motors N] [--fault RULE]... [--quiet]\n"
          "\n"
          "A simulated robot-arm controller for the tavclient library: a six-axis arm behind the\n"
          "controller's wire protocol. Point an application at it with RobotLogin(ADDRESS, PORT).\n"
          "Ctrl-C stops it.\n"
          "\n"
          "  --host ADDRESS  IPv4 address to listen on (default 127.0.0.1)\n"
-         "  --port PORT     TCP port (default " + std::to_string(CommandLine::kDefaultPort) + "; 0 lets the system pick)\n"
+         "  --port PORT     TCP port (default " +
+         std::to_string(CommandLine::kDefaultPort) +
+         "; 0 lets the system pick)\n"
          "  --motors N      motors 1..N, of which 1..6 form the arm (default 6, at most " +
-         std::to_string(CommandLine::kMaxMotors) + ")\n"
+         std::to_string(CommandLine::kMaxMotors) +
+         ")\n"
          "  --fault RULE    change some replies, to rehearse failures (repeatable):\n"
          "                  KIND[,on=NAME][,times=N|all][,after=N][,ms=N][,pieces=N][,text=TEXT]\n"
          "                  KIND: delay (ms, default 1000), drop, error (text = error code),\n"
          "                  garbage (text = bytes sent instead), checksum (off by one),\n"
-         "                  split (pieces, default 2, ms apart, default 20), close (the connection)\n"
-         "                  NAME: heart, ClientInfo or a command's wire name (get_angles...); default any reply\n"
-         "                  e.g. --fault delay,on=get_angles,ms=500  --fault close,on=heart,after=2\n"
+         "                  split (pieces, default 2, ms apart, default 20), close (the "
+         "connection)\n"
+         "                  NAME: heart, ClientInfo or a command's wire name (get_angles...); "
+         "default any reply\n"
+         "                  e.g. --fault delay,on=get_angles,ms=500  --fault "
+         "close,on=heart,after=2\n"
          "  --quiet         log nothing but start and stop\n"
          "  --help          show this text\n";
 }

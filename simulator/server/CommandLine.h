@@ -25,7 +25,8 @@ struct CommandLine {
 };
 
 // Nothing, with `problem` set, for an unknown option or a bad value.
-std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& arguments, std::string& problem);
+std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& arguments,
+                                            std::string& problem);
 
 // The --help text.
 std::string Usage(const std::string& program);

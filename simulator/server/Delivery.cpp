@@ -32,7 +32,8 @@ std::vector<std::string> SplitIntoPieces(const std::string& text, int pieces) {
   return parts;
 }
 
-std::optional<OutboxEntry> PlanDelivery(const OutgoingReply& reply, const std::optional<Fault>& fault, SteadyTime now) {
+std::optional<OutboxEntry> PlanDelivery(const OutgoingReply& reply,
+                                        const std::optional<Fault>& fault, SteadyTime now) {
   OutboxEntry entry{now, {reply.text}, std::chrono::milliseconds(0), false};
   if (!fault) {
     return entry;

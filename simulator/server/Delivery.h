@@ -13,7 +13,8 @@ namespace tavsim {
 
 // How `reply` goes out from `now` on: as it is without a fault, otherwise changed as the
 // fault says. Nothing when the fault drops the reply.
-std::optional<OutboxEntry> PlanDelivery(const OutgoingReply& reply, const std::optional<Fault>& fault, SteadyTime now);
+std::optional<OutboxEntry> PlanDelivery(const OutgoingReply& reply,
+                                        const std::optional<Fault>& fault, SteadyTime now);
 
 // `text` with the number in its <checksum> element raised by one (unchanged without one).
 std::string WithWrongChecksum(const std::string& text);

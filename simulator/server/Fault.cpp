@@ -19,12 +19,12 @@ struct KindEntry {
 };
 
 constexpr std::array<KindEntry, 7> kKindNames{{{FaultKind::Delay, "delay"},
-                                              {FaultKind::Drop, "drop"},
-                                              {FaultKind::Error, "error"},
-                                              {FaultKind::Garbage, "garbage"},
-                                              {FaultKind::BadChecksum, "checksum"},
-                                              {FaultKind::Split, "split"},
-                                              {FaultKind::Close, "close"}}};
+                                               {FaultKind::Drop, "drop"},
+                                               {FaultKind::Error, "error"},
+                                               {FaultKind::Garbage, "garbage"},
+                                               {FaultKind::BadChecksum, "checksum"},
+                                               {FaultKind::Split, "split"},
+                                               {FaultKind::Close, "close"}}};
 
 const char* KindName(FaultKind kind) {
   for (const auto& entry : kKindNames) {
@@ -46,7 +46,8 @@ Fault Make(FaultKind kind, std::string on) {
 std::vector<std::string> SplitAtCommas(const std::string& text) {
   std::vector<std::string> parts;
   std::size_t start = 0;
-  for (std::size_t comma = text.find(','); comma != std::string::npos; comma = text.find(',', start)) {
+  for (std::size_t comma = text.find(','); comma != std::string::npos;
+       comma = text.find(',', start)) {
     parts.push_back(text.substr(start, comma - start));
     start = comma + 1;
   }
@@ -109,9 +110,7 @@ Fault Fault::DelayReply(std::string on, std::chrono::milliseconds pause) {
   return fault;
 }
 
-Fault Fault::DropReply(std::string on) {
-  return Make(FaultKind::Drop, std::move(on));
-}
+Fault Fault::DropReply(std::string on) { return Make(FaultKind::Drop, std::move(on)); }
 
 Fault Fault::ErrorInstead(std::string on, std::string errorCode) {
   Fault fault = Make(FaultKind::Error, std::move(on));
@@ -133,9 +132,7 @@ Fault Fault::GarbageInstead(std::string on) {
   return GarbageInstead(std::move(on), kDefaultGarbage);
 }
 
-Fault Fault::CorruptChecksum(std::string on) {
-  return Make(FaultKind::BadChecksum, std::move(on));
-}
+Fault Fault::CorruptChecksum(std::string on) { return Make(FaultKind::BadChecksum, std::move(on)); }
 
 Fault Fault::SplitReply(std::string on, int pieces, std::chrono::milliseconds pause) {
   Fault fault = Make(FaultKind::Split, std::move(on));
@@ -144,9 +141,7 @@ Fault Fault::SplitReply(std::string on, int pieces, std::chrono::milliseconds pa
   return fault;
 }
 
-Fault Fault::CloseConnection(std::string on) {
-  return Make(FaultKind::Close, std::move(on));
-}
+Fault Fault::CloseConnection(std::string on) { return Make(FaultKind::Close, std::move(on)); }
 
 Fault& Fault::Times(int count) {
   times = count;
@@ -204,8 +199,9 @@ std::string Describe(const Fault& fault) {
   if (fault.after > 0) {
     line += " after " + std::to_string(fault.after);
   }
-  line += fault.times == Fault::kEveryTime ? ", every time"
-                                           : ", " + std::to_string(fault.times) + (fault.times == 1 ? " time" : " times");
+  line += fault.times == Fault::kEveryTime
+              ? ", every time"
+              : ", " + std::to_string(fault.times) + (fault.times == 1 ? " time" : " times");
   return line;
 }
 

@@ -34,9 +34,9 @@ private:
     int usesLeft;  // Fault::kEveryTime: unlimited
   };
 
-  mutable std::mutex mutex_;
-  std::vector<Rule> rules_;
-  std::size_t fired_ = 0;
+  mutable std::mutex mutex;
+  std::vector<Rule> rules;
+  std::size_t fired = 0;
 };
 
 }  // namespace tavsim

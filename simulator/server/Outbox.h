@@ -39,19 +39,19 @@ public:
   Progress Flush(int fd, SteadyTime now);
   // When Flush next has something to write; nothing when the outbox is empty or blocked.
   std::optional<SteadyTime> NextDue() const;
-  bool Blocked() const { return blocked_; }
-  bool Empty() const { return queue_.empty(); }
+  bool Blocked() const { return blocked; }
+  bool Empty() const { return queue.empty(); }
 
 private:
   // Sends the rest of the current piece; false when the socket is full or broken.
-  Progress WritePiece(int fd, SteadyTime now);
+  Progress _writePiece(int fd, SteadyTime now);
 
-  std::deque<OutboxEntry> queue_;  // by due time; the front may be in progress
-  bool started_ = false;           // the front entry has begun
-  std::size_t piece_ = 0;          // next piece of the front entry
-  std::size_t offset_ = 0;         // bytes of that piece already written
-  SteadyTime notBefore_{};         // the next piece of a split entry may not start earlier
-  bool blocked_ = false;
+  std::deque<OutboxEntry> queue;  // by due time; the front may be in progress
+  bool started = false;           // the front entry has begun
+  std::size_t nextPiece = 0;      // next piece of the front entry
+  std::size_t offset = 0;         // bytes of that piece already written
+  SteadyTime notBefore{};         // the next piece of a split entry may not start earlier
+  bool blocked = false;
 };
 
 }  // namespace tavsim

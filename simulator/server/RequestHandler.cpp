@@ -23,12 +23,13 @@ bool Echoable(const std::string& text) {
 }
 
 std::string Outcome(const Reply& reply) {
-  return reply.pending() ? "pending" : "-> " + reply.state;
+  return reply.Pending() ? "pending" : "-> " + reply.state;
 }
 
 }  // namespace
 
-OutgoingReply CommandAnswer(const std::string& timestamp, const std::string& functionName, const Reply& reply) {
+OutgoingReply CommandAnswer(const std::string& timestamp, const std::string& functionName,
+                            const Reply& reply) {
   CommandReply message;
   message.timestamp = timestamp;
   message.functionName = functionName;
@@ -40,70 +41,77 @@ OutgoingReply CommandAnswer(const std::string& timestamp, const std::string& fun
 }
 
 RequestHandler::RequestHandler(SimulatedController& controller, LogSink log)
-    : controller_(controller), log_(std::move(log)) {}
+    : controller(controller), log(std::move(log)) {}
 
-std::optional<OutgoingReply> RequestHandler::Answer(ConnectionId connection, const std::string& message) {
+std::optional<OutgoingReply> RequestHandler::Answer(ConnectionId connection,
+                                                    const std::string& message) {
   const ClientMessage decoded = DecodeClientMessage(message);
   switch (decoded.kind) {
     case ClientMessageKind::Heart:
       return OutgoingReply{"heart", HeartReplyMessage(), false};
     case ClientMessageKind::ClientInfo: {
-      const std::string result = decoded.checksumValid ? "0" : std::to_string(ServerCodes::kChecksumMismatch);
-      Log(connection, "login, client " + decoded.version + " " + decoded.system + " " + decoded.language + " -> " + result);
+      const std::string result =
+          decoded.checksumValid ? "0" : std::to_string(ServerCodes::kChecksumMismatch);
+      _log(connection, "login, client " + decoded.version + " " + decoded.system + " " +
+                           decoded.language + " -> " + result);
       return OutgoingReply{"ClientInfo", ConnResultMessage(result), true};
     }
     case ClientMessageKind::Command:
-      return AnswerCommand(connection, decoded);
+      return _answerCommand(connection, decoded);
     case ClientMessageKind::Unrecognised:
       break;
   }
-  return Unreadable(connection, decoded.problem);
+  return _unreadable(connection, decoded.problem);
 }
 
-std::optional<OutgoingReply> RequestHandler::AnswerCommand(ConnectionId connection, const ClientMessage& command) {
+std::optional<OutgoingReply> RequestHandler::_answerCommand(ConnectionId connection,
+                                                            const ClientMessage& command) {
   if (!Echoable(command.functionName) || !Echoable(command.timestamp)) {
-    return Unreadable(connection, "command name or time stamp holds a word reserved for other messages");
+    return _unreadable(connection,
+                       "command name or time stamp holds a word reserved for other messages");
   }
   Reply reply;
   if (command.checksumValid) {
-    reply = controller_.handle(command.functionName, command.parameters);
+    reply = controller.Handle(command.functionName, command.parameters);
   } else {
     reply.state = std::to_string(ServerCodes::kChecksumMismatch);
   }
-  Log(connection, command.functionName + " #" + command.timestamp + " " + Outcome(reply));
-  if (reply.pending()) {
-    pending_[reply.ticket] = PendingCommand{connection, command.timestamp, command.functionName};
+  _log(connection, command.functionName + " #" + command.timestamp + " " + Outcome(reply));
+  if (reply.Pending()) {
+    pending[reply.ticket] = PendingCommand{connection, command.timestamp, command.functionName};
     return std::nullopt;
   }
   return CommandAnswer(command.timestamp, command.functionName, reply);
 }
 
-OutgoingReply RequestHandler::Unreadable(ConnectionId connection, const std::string& why) {
+OutgoingReply RequestHandler::_unreadable(ConnectionId connection, const std::string& why) {
   const std::string code = std::to_string(ServerCodes::kUnreadableMessage);
-  Log(connection, "unreadable message (" + why + ") -> Error " + code);
+  _log(connection, "unreadable message (" + why + ") -> Error " + code);
   return OutgoingReply{"", ErrorMessage(code), false};
 }
 
 std::vector<std::pair<ConnectionId, OutgoingReply>> RequestHandler::Completed() {
   std::vector<std::pair<ConnectionId, OutgoingReply>> replies;
-  for (const Completion& done : controller_.poll()) {
-    const auto entry = pending_.find(done.ticket);
-    if (entry == pending_.end()) {
+  for (const Completion& done : controller.Poll()) {
+    const auto entry = pending.find(done.ticket);
+    if (entry == pending.end()) {
       continue;
     }
     const PendingCommand& command = entry->second;
-    Log(command.connection, command.functionName + " #" + command.timestamp + " " + Outcome(done.reply));
-    replies.emplace_back(command.connection, CommandAnswer(command.timestamp, command.functionName, done.reply));
-    pending_.erase(entry);
+    _log(command.connection,
+         command.functionName + " #" + command.timestamp + " " + Outcome(done.reply));
+    replies.emplace_back(command.connection,
+                         CommandAnswer(command.timestamp, command.functionName, done.reply));
+    pending.erase(entry);
   }
   return replies;
 }
 
 void RequestHandler::Forget(ConnectionId connection) {
-  for (auto entry = pending_.begin(); entry != pending_.end();) {
+  for (auto entry = pending.begin(); entry != pending.end();) {
     if (entry->second.connection == connection) {
-      controller_.cancel(entry->first);
-      entry = pending_.erase(entry);
+      controller.Cancel(entry->first);
+      entry = pending.erase(entry);
     } else {
       ++entry;
     }
@@ -111,11 +119,11 @@ void RequestHandler::Forget(ConnectionId connection) {
 }
 
 std::optional<double> RequestHandler::SecondsUntilCompletion() const {
-  return controller_.secondsUntilNextCompletion();
+  return controller.SecondsUntilNextCompletion();
 }
 
-void RequestHandler::Log(ConnectionId connection, const std::string& line) const {
-  LogConnection(log_, connection, line);
+void RequestHandler::_log(ConnectionId connection, const std::string& line) const {
+  LogConnection(log, connection, line);
 }
 
 }  // namespace tavsim

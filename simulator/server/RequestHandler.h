@@ -9,11 +9,10 @@
 #include <vector>
 
 #include "core/ClientMessage.h"
-#include "server/ActivityLog.h"
 #include "model/SimulatedController.h"
+#include "server/ActivityLog.h"
 
 namespace tavsim {
-
 
 // A message ready for one client, before fault rules are applied.
 struct OutgoingReply {
@@ -47,17 +46,19 @@ private:
     std::string functionName;
   };
 
-  std::optional<OutgoingReply> AnswerCommand(ConnectionId connection, const ClientMessage& command);
-  OutgoingReply Unreadable(ConnectionId connection, const std::string& why);
-  void Log(ConnectionId connection, const std::string& line) const;
+  std::optional<OutgoingReply> _answerCommand(ConnectionId connection,
+                                              const ClientMessage& command);
+  OutgoingReply _unreadable(ConnectionId connection, const std::string& why);
+  void _log(ConnectionId connection, const std::string& line) const;
 
-  SimulatedController& controller_;
-  LogSink log_;
-  std::map<std::uint64_t, PendingCommand> pending_;  // by the controller's ticket
+  SimulatedController& controller;
+  LogSink log;
+  std::map<std::uint64_t, PendingCommand> pending;  // by the controller's ticket
 };
 
 // The command reply for `functionName` sent with `timestamp`.
-OutgoingReply CommandAnswer(const std::string& timestamp, const std::string& functionName, const Reply& reply);
+OutgoingReply CommandAnswer(const std::string& timestamp, const std::string& functionName,
+                            const Reply& reply);
 
 }  // namespace tavsim
 

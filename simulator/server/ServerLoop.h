@@ -28,13 +28,13 @@ class ServerLoop {
 public:
   ServerLoop(const ServerOptions& options, SimulatedController& controller, FaultInjector& faults);
 
-  std::uint16_t Port() const { return listener_.Port(); }
-  std::size_t ConnectionCount() const { return connectionCount_.load(); }
+  std::uint16_t Port() const { return listener.Port(); }
+  std::size_t ConnectionCount() const { return connectionCount.load(); }
 
   void Run();
   // Both may be called from any thread.
   void Stop();
-  void Wake() { wakeup_.Notify(); }
+  void Wake() { wakeup.Notify(); }
 
 private:
   struct Session {
@@ -44,28 +44,28 @@ private:
   };
   using Sessions = std::map<ConnectionId, Session>;
 
-  std::vector<pollfd> Watches() const;
-  int PollTimeout(SteadyTime now) const;
-  void Accept();
+  std::vector<pollfd> _watches() const;
+  int _pollTimeout(SteadyTime now) const;
+  void _accept();
   // Reads and answers what the client sent; false when the session must end.
-  bool Serve(ConnectionId id, Session& session);
-  void Deliver(ConnectionId id, Session& session, const OutgoingReply& reply);
-  void DeliverCompletions();
+  bool _serve(ConnectionId id, Session& session);
+  void _deliver(ConnectionId id, Session& session, const OutgoingReply& reply);
+  void _deliverCompletions();
   // Writes what is due; false when the session must end.
-  bool Flush(ConnectionId id, Session& session, SteadyTime now);
-  Sessions::iterator Close(Sessions::iterator session, const std::string& why);
-  void Log(ConnectionId id, const std::string& line) const;
+  bool _flush(ConnectionId id, Session& session, SteadyTime now);
+  Sessions::iterator _close(Sessions::iterator session, const std::string& why);
+  void _log(ConnectionId id, const std::string& line) const;
 
-  LoopbackListener listener_;
-  Wakeup wakeup_;
-  RequestHandler handler_;
-  FaultInjector& faults_;
-  LogSink log_;
-  std::size_t maxMessageBytes_;
-  Sessions sessions_;
-  ConnectionId nextId_ = 1;
-  std::atomic<bool> stopping_{false};
-  std::atomic<std::size_t> connectionCount_{0};
+  LoopbackListener listener;
+  Wakeup wakeup;
+  RequestHandler handler;
+  FaultInjector& faults;
+  LogSink log;
+  std::size_t maxMessageBytes;
+  Sessions sessions;
+  ConnectionId nextId = 1;
+  std::atomic<bool> stopping{false};
+  std::atomic<std::size_t> connectionCount{0};
 };
 
 }  // namespace tavsim

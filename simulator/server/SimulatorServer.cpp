@@ -7,32 +7,28 @@
 namespace tavsim {
 
 SimulatorServer::SimulatorServer(ServerOptions options)
-    : host_(options.host),
-      controller_(std::make_unique<SimulatedController>(options.controller, options.clock)),
-      loop_(std::make_unique<ServerLoop>(options, *controller_, faults_)),
-      port_(loop_->Port()),
-      thread_([this] { loop_->Run(); }) {}
+    : host(options.host),
+      controller(std::make_unique<SimulatedController>(options.controller, options.clock)),
+      loop(std::make_unique<ServerLoop>(options, *controller, faults)),
+      port(loop->Port()),
+      thread([this] { loop->Run(); }) {}
 
-SimulatorServer::~SimulatorServer() {
-  Stop();
-}
+SimulatorServer::~SimulatorServer() { Stop(); }
 
-std::size_t SimulatorServer::ConnectionCount() const {
-  return loop_ ? loop_->ConnectionCount() : 0;
-}
+std::size_t SimulatorServer::ConnectionCount() const { return loop ? loop->ConnectionCount() : 0; }
 
 void SimulatorServer::Wake() {
-  if (loop_) {
-    loop_->Wake();
+  if (loop) {
+    loop->Wake();
   }
 }
 
 void SimulatorServer::Stop() {
-  if (thread_.joinable()) {
-    loop_->Stop();
-    thread_.join();
+  if (thread.joinable()) {
+    loop->Stop();
+    thread.join();
   }
-  loop_.reset();  // closes the listener
+  loop.reset();  // closes the listener
 }
 
 }  // namespace tavsim

@@ -35,14 +35,14 @@ public:
   SimulatorServer(const SimulatorServer&) = delete;
   SimulatorServer& operator=(const SimulatorServer&) = delete;
 
-  const std::string& Host() const { return host_; }
-  std::uint16_t Port() const { return port_; }
+  const std::string& Host() const { return host; }
+  std::uint16_t Port() const { return port; }
   // Client connections open now.
   std::size_t ConnectionCount() const;
 
   // Rules that change the replies sent from now on; see Fault.
-  FaultInjector& Faults() { return faults_; }
-  const SimulatedController& Controller() const { return *controller_; }
+  FaultInjector& Faults() { return faults; }
+  const SimulatedController& Controller() const { return *controller; }
 
   // Looks at the controller's clock again at once: call after advancing a ManualClock.
   void Wake();
@@ -51,12 +51,12 @@ public:
   void Stop();
 
 private:
-  std::string host_;
-  std::unique_ptr<SimulatedController> controller_;
-  FaultInjector faults_;
-  std::unique_ptr<ServerLoop> loop_;
-  std::uint16_t port_;
-  std::thread thread_;
+  std::string host;
+  std::unique_ptr<SimulatedController> controller;
+  FaultInjector faults;
+  std::unique_ptr<ServerLoop> loop;
+  std::uint16_t port;
+  std::thread thread;
 };
 
 }  // namespace tavsim

@@ -10,13 +10,13 @@ class Wakeup {
 public:
   Wakeup();  // throws std::system_error when no eventfd can be made
 
-  int NativeHandle() const { return fd_.Get(); }
+  int NativeHandle() const { return fd.Get(); }
   void Notify();
   // Makes it unreadable again.
   void Drain();
 
 private:
-  UniqueFd fd_;
+  UniqueFd fd;
 };
 
 }  // namespace tavsim

@@ -58,7 +58,8 @@ TEST_F(FaultInjectionTest, ReplacedRepliesAreWhatTheRuleSays) {
   EXPECT_EQ(tavtest::Unwrap(tavsim::kDefaultGarbage, decoded), RobotEvents::kDecodeFailed);
   const std::string corrupted = AskMotorIds();
   EXPECT_NE(corrupted.find("<result1>[]</result1>"), std::string::npos) << corrupted;
-  EXPECT_NE(corrupted.find("<checksum>185</checksum>"), std::string::npos) << "'[' + ']' is 184: " << corrupted;
+  EXPECT_NE(corrupted.find("<checksum>185</checksum>"), std::string::npos)
+      << "'[' + ']' is 184: " << corrupted;
   EXPECT_EQ(tavtest::Unwrap(corrupted, decoded), RobotEvents::kDecodeFailed);
   EXPECT_EQ(tavtest::Unwrap(AskMotorIds(), decoded), 0) << "every rule is used up";
   EXPECT_EQ(server.Faults().Fired(), 3u);
@@ -96,8 +97,10 @@ TEST_F(FaultInjectionTest, SplitReplyArrivesInPiecesThatTheLibraryJoins) {
 
 TEST(FaultRuleTest, ReadsTheCommandLineFormAndRejectsBadOnes) {
   const std::vector<std::pair<std::string, std::string>> good{
-      {"delay,on=get_angles,ms=250,times=all,after=2", "delay 250 ms on get_angles after 2, every time"},
-      {"error", "error '" + std::to_string(tavsim::ServerCodes::kInjectedError) + "' on any reply, 1 time"},
+      {"delay,on=get_angles,ms=250,times=all,after=2",
+       "delay 250 ms on get_angles after 2, every time"},
+      {"error",
+       "error '" + std::to_string(tavsim::ServerCodes::kInjectedError) + "' on any reply, 1 time"},
       {"split,pieces=4", "split 20 ms in 4 pieces on any reply, 1 time"},
       {"garbage,text=zz,times=3,on=heart", "garbage 'zz' on heart, 3 times"},
   };
@@ -107,7 +110,8 @@ TEST(FaultRuleTest, ReadsTheCommandLineFormAndRejectsBadOnes) {
     ASSERT_TRUE(fault) << rule << ": " << problem;
     EXPECT_EQ(tavsim::Describe(*fault), described);
   }
-  for (const char* bad : {"explode", "drop,on", "split,pieces=1", "delay,ms=-5", "drop,colour=red", "drop,times=0"}) {
+  for (const char* bad :
+       {"explode", "drop,on", "split,pieces=1", "delay,ms=-5", "drop,colour=red", "drop,times=0"}) {
     problem.clear();
     EXPECT_FALSE(tavsim::ParseFault(bad, problem)) << bad;
     EXPECT_FALSE(problem.empty()) << bad;
@@ -117,7 +121,8 @@ TEST(FaultRuleTest, ReadsTheCommandLineFormAndRejectsBadOnes) {
 TEST(CommandLineTest, ReadsOptionsAndRejectsBadValues) {
   std::string problem;
   const auto line = tavsim::ParseCommandLine(
-      {"--host", "0.0.0.0", "--port", "0", "--motors", "8", "--fault", "drop,on=heart", "--quiet"}, problem);
+      {"--host", "0.0.0.0", "--port", "0", "--motors", "8", "--fault", "drop,on=heart", "--quiet"},
+      problem);
   ASSERT_TRUE(line) << problem;
   EXPECT_EQ(line->host, "0.0.0.0");
   EXPECT_EQ(line->port, 0);
@@ -130,8 +135,12 @@ TEST(CommandLineTest, ReadsOptionsAndRejectsBadValues) {
   EXPECT_EQ(defaults->host, "127.0.0.1");
   EXPECT_EQ(defaults->port, tavsim::CommandLine::kDefaultPort);
   EXPECT_EQ(defaults->motors, 6u);
-  for (const auto& bad : std::vector<std::vector<std::string>>{
-           {"--motors", "11"}, {"--motors", "0"}, {"--port", "70000"}, {"--port"}, {"--verbose"}, {"--fault", "boom"}}) {
+  for (const auto& bad : std::vector<std::vector<std::string>>{{"--motors", "11"},
+                                                               {"--motors", "0"},
+                                                               {"--port", "70000"},
+                                                               {"--port"},
+                                                               {"--verbose"},
+                                                               {"--fault", "boom"}}) {
     problem.clear();
     EXPECT_FALSE(tavsim::ParseCommandLine(bad, problem)) << bad[0];
     EXPECT_FALSE(problem.empty());

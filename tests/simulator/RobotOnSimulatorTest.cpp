@@ -112,7 +112,7 @@ TEST_F(RobotOnSimulatorTest, PendingWaitHoldsUpNoOtherCallerAndStopEndsIt) {
   std::future<int> waiting =
       std::async(std::launch::async, [this] { return robot.wait_for_motors(1); });
   ASSERT_TRUE(tavtest::PollUntil(5000ms, [this] {
-    return server.Controller().secondsUntilNextCompletion().has_value();
+    return server.Controller().SecondsUntilNextCompletion().has_value();
   })) << "the wait reached the simulator";
   double angle = 0.0;
   ASSERT_EQ(robot.get_angles(1, angle), 0);

@@ -83,10 +83,10 @@ TEST_F(SimulatorWireTest, PendingWaitHoldsUpNeitherHeartNorOtherCommandsNorOther
   WireClient other(server.Port());
   other.Login();
 
-  clock->advance(1.0);
+  clock->Advance(1.0);
   server.Wake();
   ASSERT_TRUE(client->Silent(100ms));
-  clock->advance(1.5);
+  clock->Advance(1.5);
   server.Wake();
   Message reply;
   ASSERT_TRUE(client->NextIs("wait_for_motors" + waitStamp, reply));
@@ -103,9 +103,9 @@ TEST_F(SimulatorWireTest, ClosingAClientDropsItsWaitAndStopClosesEveryConnection
   ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 2; }));
   first.reset();
   ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 1; }));
-  EXPECT_GT(server.Controller().secondsUntilNextCompletion().value_or(0.0), 60.0)
+  EXPECT_GT(server.Controller().SecondsUntilNextCompletion().value_or(0.0), 60.0)
       << "only the 90 s wait is left";
-  clock->advance(10.0);  // the first client's motor arrives, the second's does not
+  clock->Advance(10.0);  // the first client's motor arrives, the second's does not
   server.Wake();
   EXPECT_TRUE(second->HeartAnswered());
 

@@ -36,7 +36,10 @@ std::string WireClient::SendCommand(const std::string& name, Message parameters)
 }
 
 Message WireClient::Login() {
-  Message info{{"identifier", "ClientInfo"}, {"version", "0.1.0"}, {"system", "windows"}, {"language", "CPP"}};
+  Message info{{"identifier", "ClientInfo"},
+               {"version", "0.1.0"},
+               {"system", "windows"},
+               {"language", "CPP"}};
   std::string text;
   Parser().wrap_clientinfo(text, info);
   Message reply;
@@ -59,13 +62,16 @@ AssertionResult WireClient::Next(std::string& text, std::chrono::milliseconds wa
   std::optional<std::string> message = connection_.ReadMessage(wait);
   if (!message) {
     return AssertionFailure() << "no message within " << wait.count() << " ms"
-                              << (connection_.PeerClosed() ? " (the simulator closed the connection)" : "");
+                              << (connection_.PeerClosed()
+                                      ? " (the simulator closed the connection)"
+                                      : "");
   }
   text = *message;
   return AssertionSuccess();
 }
 
-AssertionResult WireClient::NextIs(const std::string& identifier, Message& decoded, std::chrono::milliseconds wait) {
+AssertionResult WireClient::NextIs(const std::string& identifier, Message& decoded,
+                                   std::chrono::milliseconds wait) {
   std::string text;
   if (AssertionResult received = Next(text, wait); !received) {
     return received;

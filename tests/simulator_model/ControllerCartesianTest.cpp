@@ -18,13 +18,15 @@ std::string fixed(const std::vector<double>& values, std::size_t from, std::size
   }
   return text;
 }
-std::string poseText(const std::vector<double>& p) { return "[" + fixed(p, 0, 3) + ",[" + fixed(p, 3, 6) + "]]"; }
+std::string poseText(const std::vector<double>& p) {
+  return "[" + fixed(p, 0, 3) + ",[" + fixed(p, 3, 6) + "]]";
+}
 
 // The larger of position error and orientation error (radians) between two pose replies.
 double poseError(const std::vector<double>& a, const std::vector<double>& b) {
-  Transform ta = poseToTransform({a[0], a[1], a[2], a[3], a[4], a[5]});
-  Transform tb = poseToTransform({b[0], b[1], b[2], b[3], b[4], b[5]});
-  return std::max(norm(ta.translation - tb.translation), rotationAngle(ta.rotation, tb.rotation));
+  Transform ta = PoseToTransform({a[0], a[1], a[2], a[3], a[4], a[5]});
+  Transform tb = PoseToTransform({b[0], b[1], b[2], b[3], b[4], b[5]});
+  return std::max(Norm(ta.translation - tb.translation), RotationAngle(ta.rotation, tb.rotation));
 }
 
 class Cartesian : public ReadyController {
@@ -34,17 +36,21 @@ protected:
     return query("forward", {{"angles", "[" + fixed(joints, 0, joints.size()) + "]"}});
   }
   std::vector<double> angles() { return query("get_angles", motors(kAllMotors)); }
-  static Params path(const std::string& points, const std::string& velocity, const std::string& acceleration,
-                     const std::string& closed = "0") {
-    return {{"points", points}, {"velocity", velocity}, {"acceleration", acceleration},
-            {"interval", "0.000000"}, {"closed", closed}};
+  static Params path(const std::string& points, const std::string& velocity,
+                     const std::string& acceleration, const std::string& closed = "0") {
+    return {{"points", points},
+            {"velocity", velocity},
+            {"acceleration", acceleration},
+            {"interval", "0.000000"},
+            {"closed", closed}};
   }
 };
 
 TEST_F(Cartesian, ForwardOfTheCurrentJointsIsThePose) {
-  ASSERT_EQ(state("move_to_angles", moveParams(kAllMotors, "[10,-70,80,-100,-80,30]", "60", "120")), StateCodes::kOk);
+  ASSERT_EQ(state("move_to_angles", moveParams(kAllMotors, "[10,-70,80,-100,-80,30]", "60", "120")),
+            StateCodes::kOk);
   for (double step : {0.3, 10.0}) {
-    clock->advance(step);
+    clock->Advance(step);
     EXPECT_LT(poseError(forwardOf(angles()), pose()), 1e-5) << "after " << step;
   }
 }
@@ -73,8 +79,11 @@ TEST_F(Cartesian, InverseLeadsBackToReachablePosesOnTheBranchNearestTheArm) {
 TEST_F(Cartesian, UnreachablePosesAreRefused) {
   const std::string far = "[1.500000,0.000000,0.300000,[0.000000,0.000000,0.000000]]";
   EXPECT_EQ(state("inverse", {{"position", far}}), StateCodes::kUnreachable);
-  EXPECT_EQ(state("move_to_position", {{"position", far}, {"velocity", "0.1"}, {"acceleration", "0.5"},
-                                       {"relative", "0"}, {"block", "0"}}),
+  EXPECT_EQ(state("move_to_position", {{"position", far},
+                                       {"velocity", "0.1"},
+                                       {"acceleration", "0.5"},
+                                       {"relative", "0"},
+                                       {"block", "0"}}),
             StateCodes::kUnreachable);
   EXPECT_EQ(state("moveJ", path("[" + far + "]", "30", "60")), StateCodes::kUnreachable);
   EXPECT_EQ(query("get_velocity", motors(kAllMotors)), std::vector<double>(6, 0.0));
@@ -86,8 +95,11 @@ TEST_F(Cartesian, LinearMoveKeepsTheToolOnTheLineAndTakesItsTime) {
   target[0] += 0.15;
   target[2] -= 0.10;
   target[5] += 0.3;
-  ASSERT_EQ(state("moveL", {{"points", "[" + poseText(target) + "]"}, {"radius", "[0.000000]"},
-                            {"velocity", "0.100000"}, {"acceleration", "0.200000"}, {"interval", "0.000000"},
+  ASSERT_EQ(state("moveL", {{"points", "[" + poseText(target) + "]"},
+                            {"radius", "[0.000000]"},
+                            {"velocity", "0.100000"},
+                            {"acceleration", "0.200000"},
+                            {"interval", "0.000000"},
                             {"closed", "0"}}),
             StateCodes::kOk);
   // 0.18 m at 0.1 m/s with 0.2 m/s^2 ramps: 0.5 s up, 0.5 s down, 1.3 s cruise.
@@ -96,15 +108,15 @@ TEST_F(Cartesian, LinearMoveKeepsTheToolOnTheLineAndTakesItsTime) {
   const Vec3 a{start[0], start[1], start[2]};
   const Vec3 direction = (1.0 / length) * (Vec3{target[0], target[1], target[2]} - a);
   for (int step = 1; step <= 9; ++step) {
-    clock->advance(expected / 10);
+    clock->Advance(expected / 10);
     const std::vector<double> now = forwardOf(angles());
     const Vec3 offset = Vec3{now[0], now[1], now[2]} - a;
-    EXPECT_LT(norm(offset - dot(offset, direction) * direction), 1e-4) << "step " << step;
-    EXPECT_GT(dot(offset, direction), 0.0);
-    EXPECT_LT(dot(offset, direction), length);
+    EXPECT_LT(Norm(offset - Dot(offset, direction) * direction), 1e-4) << "step " << step;
+    EXPECT_GT(Dot(offset, direction), 0.0);
+    EXPECT_LT(Dot(offset, direction), length);
   }
-  EXPECT_TRUE(call("wait_for_motors", motors(kAllMotors)).pending());
-  clock->advance(expected * 0.15);
+  EXPECT_TRUE(call("wait_for_motors", motors(kAllMotors)).Pending());
+  clock->Advance(expected * 0.15);
   EXPECT_EQ(state("wait_for_motors", motors(kAllMotors)), StateCodes::kOk);
   EXPECT_LT(poseError(pose(), target), 1e-5);
 }
@@ -113,12 +125,13 @@ TEST_F(Cartesian, JointPathVisitsEachPointAndClosedReturnsToTheFirst) {
   const std::vector<double> home = angles();
   const std::vector<double> first = forwardOf({10, -80, 80, -90, -90, 0});
   const std::vector<double> second = forwardOf({-10, -100, 100, -90, -90, 20});
-  ASSERT_EQ(state("moveJ", path("[" + poseText(first) + "," + poseText(second) + "]", "60", "120", "1")),
-            StateCodes::kOk);
+  ASSERT_EQ(
+      state("moveJ", path("[" + poseText(first) + "," + poseText(second) + "]", "60", "120", "1")),
+      StateCodes::kOk);
   bool visitedFirst = false;
   bool visitedSecond = false;
   for (int step = 0; step < 400; ++step) {
-    clock->advance(0.01);
+    clock->Advance(0.01);
     visitedFirst = visitedFirst || poseError(pose(), first) < 1e-4;
     visitedSecond = visitedSecond || poseError(pose(), second) < 1e-4;
   }
@@ -133,10 +146,11 @@ TEST_F(Cartesian, ProcessMoveRoundsCornersAndEndsOnTheLastPoint) {
   corner[0] += 0.1;
   std::vector<double> end = corner;
   end[1] += 0.1;
-  ASSERT_EQ(state("moveP", path("[" + poseText(corner) + "," + poseText(end) + "]", "0.1", "0.5")), StateCodes::kOk);
+  ASSERT_EQ(state("moveP", path("[" + poseText(corner) + "," + poseText(end) + "]", "0.1", "0.5")),
+            StateCodes::kOk);
   double closest = 1.0;
   for (int step = 0; step < 300; ++step) {
-    clock->advance(0.01);
+    clock->Advance(0.01);
     closest = std::min(closest, poseError(pose(), corner));
   }
   EXPECT_GT(closest, 1e-3) << "cut by the blend";
@@ -146,11 +160,14 @@ TEST_F(Cartesian, ProcessMoveRoundsCornersAndEndsOnTheLastPoint) {
 
 TEST_F(Cartesian, BlockingRelativePoseMoveShiftsTheToolAndACrawlStaysDefined) {
   std::vector<double> expected = pose();
-  Params params{{"position", "[0.000000,0.050000,0.020000,[0.000000,0.000000,0.000000]]"}, {"velocity", "0.1"},
-                {"acceleration", "0.5"}, {"relative", "1"}, {"block", "1"}};
-  ASSERT_TRUE(call("move_to_position", params).pending());
-  clock->advance(5.0);
-  ASSERT_EQ(controller.poll().size(), 1u);
+  Params params{{"position", "[0.000000,0.050000,0.020000,[0.000000,0.000000,0.000000]]"},
+                {"velocity", "0.1"},
+                {"acceleration", "0.5"},
+                {"relative", "1"},
+                {"block", "1"}};
+  ASSERT_TRUE(call("move_to_position", params).Pending());
+  clock->Advance(5.0);
+  ASSERT_EQ(controller.Poll().size(), 1u);
   expected[1] += 0.05;
   expected[2] += 0.02;
   EXPECT_LT(poseError(pose(), expected), 1e-5);
@@ -158,8 +175,8 @@ TEST_F(Cartesian, BlockingRelativePoseMoveShiftsTheToolAndACrawlStaysDefined) {
   params["velocity"] = "0.000000001";  // some three centuries for the way
   params["block"] = "0";
   EXPECT_EQ(state("move_to_position", params), StateCodes::kOk);
-  clock->advance(3600.0);
-  EXPECT_TRUE(call("wait_for_motors", motors(kAllMotors)).pending());
+  clock->Advance(3600.0);
+  EXPECT_TRUE(call("wait_for_motors", motors(kAllMotors)).Pending());
 }
 
 }  // namespace

@@ -18,20 +18,24 @@ namespace tavsim::test {
 
 inline Params motors(const std::string& ids) { return {{"motor_ids", ids}}; }
 
-inline Params moveParams(const std::string& ids, const std::string& positions, const std::string& velocity,
-                         const std::string& acceleration, const std::string& relative = "0") {
-  return {{"motor_ids", ids},  {"position", positions}, {"velocity", velocity},
-          {"acceleration", acceleration}, {"relative", relative}, {"block", "0"}};
+inline Params moveParams(const std::string& ids, const std::string& positions,
+                         const std::string& velocity, const std::string& acceleration,
+                         const std::string& relative = "0") {
+  return {{"motor_ids", ids},     {"position", positions},
+          {"velocity", velocity}, {"acceleration", acceleration},
+          {"relative", relative}, {"block", "0"}};
 }
 
 // A controller on a manual clock, talked to in the client's own parameter texts.
 class ControllerFixture : public ::testing::Test {
 protected:
-  Reply call(const std::string& name, const Params& params = {}) { return controller.handle(name, params); }
+  Reply call(const std::string& name, const Params& params = {}) {
+    return controller.Handle(name, params);
+  }
 
   int state(const std::string& name, const Params& params = {}) {
     Reply reply = call(name, params);
-    EXPECT_FALSE(reply.pending()) << name;
+    EXPECT_FALSE(reply.Pending()) << name;
     return std::stoi(reply.state);
   }
 
@@ -39,14 +43,16 @@ protected:
   std::vector<double> query(const std::string& name, const Params& params = {}) {
     Reply reply = call(name, params);
     EXPECT_EQ(reply.state, "0") << name;
-    std::replace_if(reply.result1.begin(), reply.result1.end(),
-                    [](char c) { return c == '[' || c == ']' || c == ','; }, ' ');
+    std::replace_if(
+        reply.result1.begin(), reply.result1.end(),
+        [](char c) { return c == '[' || c == ']' || c == ','; }, ' ');
     std::istringstream numbers(reply.result1);
     return {std::istream_iterator<double>(numbers), std::istream_iterator<double>()};
   }
 
   void setUpRobot() {
-    ASSERT_EQ(state("Robot", {{"name", "arm"}, {"parameters", R"({"channel_name": "can0","host_id": 1})"},
+    ASSERT_EQ(state("Robot", {{"name", "arm"},
+                              {"parameters", R"({"channel_name": "can0","host_id": 1})"},
                               {"virtual", "1"}}),
               StateCodes::kOk);
   }

@@ -9,8 +9,10 @@ namespace {
 using Io = ReadyController;
 
 TEST_F(Io, OutputsReadBackOnTheirInputsUntilReset) {
-  EXPECT_EQ(state("set_output", {{"motor_ids", R"(["1","2"])"}, {"signal", R"({"1": 0,"2": 1})"}}), StateCodes::kOk);
-  EXPECT_EQ(state("set_output", {{"motor_ids", R"(["7"])"}, {"signal", R"({"7": 1})"}}), StateCodes::kOk);
+  EXPECT_EQ(state("set_output", {{"motor_ids", R"(["1","2"])"}, {"signal", R"({"1": 0,"2": 1})"}}),
+            StateCodes::kOk);
+  EXPECT_EQ(state("set_output", {{"motor_ids", R"(["7"])"}, {"signal", R"({"7": 1})"}}),
+            StateCodes::kOk);
   EXPECT_EQ(call("get_input", motors(R"(["1","2","3","7"])")).result1, "[0,1,0,1]");
   EXPECT_EQ(state("reset"), StateCodes::kOk);
   EXPECT_EQ(call("get_input", motors(R"(["2","7"])")).result1, "[0,0]");
@@ -20,27 +22,28 @@ TEST_F(Io, GripperClosesAfterItsTravelAndReportsOnItsSensor) {
   const Params sensors = motors(R"(["9","10"])");
   EXPECT_EQ(call("get_input", sensors).result1, "[0,0]");
   EXPECT_EQ(state("set_EOAT_action", {{"name", "gripper"}, {"action", "close"}}), StateCodes::kOk);
-  clock->advance(0.25);
+  clock->Advance(0.25);
   EXPECT_EQ(call("get_input", sensors).result1, "[0,0]");
-  clock->advance(0.3);
+  clock->Advance(0.3);
   EXPECT_EQ(call("get_input", sensors).result1, "[1,0]");
   EXPECT_EQ(state("set_EOAT_action", {{"name", "vacuum"}, {"action", "on"}}), StateCodes::kOk);
   EXPECT_EQ(state("set_EOAT_action", {{"name", "gripper"}, {"action", "open"}}), StateCodes::kOk);
-  clock->advance(0.2);
+  clock->Advance(0.2);
   EXPECT_EQ(call("get_input", sensors).result1, "[0,1]");
 }
 
 TEST(SharedArm, ClientsOnSeveralThreadsDriveOneArm) {
   SimulatedController controller({}, std::make_shared<SteadyClock>());
-  controller.handle("Robot", {{"name", "a"}, {"parameters", "{}"}, {"virtual", "0"}});
+  controller.Handle("Robot", {{"name", "a"}, {"parameters", "{}"}, {"virtual", "0"}});
   std::vector<std::thread> clients;
   for (int client = 1; client <= 4; ++client) {
     clients.emplace_back([&controller, client] {
       const std::string id = "[\"" + std::to_string(client) + "\"]";
       for (int i = 0; i < 50; ++i) {
-        controller.handle("move_to_angles", moveParams(id, "[" + std::to_string(i % 5) + "]", "1000", "100000"));
-        controller.handle("get_current", motors(id));
-        controller.poll();
+        controller.Handle("move_to_angles",
+                          moveParams(id, "[" + std::to_string(i % 5) + "]", "1000", "100000"));
+        controller.Handle("get_current", motors(id));
+        controller.Poll();
       }
     });
   }
@@ -48,11 +51,12 @@ TEST(SharedArm, ClientsOnSeveralThreadsDriveOneArm) {
     client.join();
   }
   // Every client's last move (to 4 degrees) lands on the one arm.
-  Reply wait = controller.handle("wait_for_motors", motors(R"(["1","2","3","4"])"));
-  while (wait.pending() && controller.poll().empty()) {
-    std::this_thread::sleep_for(std::chrono::duration<double>(controller.secondsUntilNextCompletion().value_or(0.0)));
+  Reply wait = controller.Handle("wait_for_motors", motors(R"(["1","2","3","4"])"));
+  while (wait.Pending() && controller.Poll().empty()) {
+    std::this_thread::sleep_for(
+        std::chrono::duration<double>(controller.SecondsUntilNextCompletion().value_or(0.0)));
   }
-  EXPECT_EQ(controller.handle("get_angles", motors(R"(["1","2","3","4"])")).result1,
+  EXPECT_EQ(controller.Handle("get_angles", motors(R"(["1","2","3","4"])")).result1,
             "[4.000000,4.000000,4.000000,4.000000]");
 }
 

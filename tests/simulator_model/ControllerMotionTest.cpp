@@ -11,51 +11,55 @@ TEST_F(Motion, MoveTakesTheTimeItsLimitsImplyAndWaitEndsOnArrival) {
   const double resting = query("get_current", motors(kOne))[0];
   EXPECT_NEAR(resting, CurrentModel::kIdleAmps, 1e-9);  // vertical axis: no gravity load
   // 90 degrees at 30 deg/s with 60 deg/s^2: 0.5 s ramps and 2.5 s cruise.
-  ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.000000]", "30.000000", "60.000000")), StateCodes::kOk);
+  ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.000000]", "30.000000", "60.000000")),
+            StateCodes::kOk);
   Reply wait = call("wait_for_motors", motors(kOne));
-  ASSERT_TRUE(wait.pending());
-  EXPECT_NEAR(controller.secondsUntilNextCompletion().value(), 3.5, 1e-9);
-  clock->advance(1.75);
-  EXPECT_TRUE(controller.poll().empty());
+  ASSERT_TRUE(wait.Pending());
+  EXPECT_NEAR(controller.SecondsUntilNextCompletion().value(), 3.5, 1e-9);
+  clock->Advance(1.75);
+  EXPECT_TRUE(controller.Poll().empty());
   EXPECT_NEAR(query("get_velocity", motors(kOne))[0], 30.0, 1e-3);
   EXPECT_NEAR(query("get_angles", motors(kOne))[0], 45.0, 1e-6);
   EXPECT_GT(query("get_current", motors(kOne))[0], resting);
-  clock->advance(3.5 * 0.95 - 1.75);
-  EXPECT_TRUE(controller.poll().empty());
+  clock->Advance(3.5 * 0.95 - 1.75);
+  EXPECT_TRUE(controller.Poll().empty());
   EXPECT_GT(query("get_velocity", motors(kOne))[0], 0.0);
-  clock->advance(3.5 * 0.1);
-  auto finished = controller.poll();
+  clock->Advance(3.5 * 0.1);
+  auto finished = controller.Poll();
   ASSERT_EQ(finished.size(), 1u);
   EXPECT_EQ(finished[0].ticket, wait.ticket);
   EXPECT_EQ(finished[0].reply.state, "0");
   EXPECT_EQ(query("get_angles", motors(kOne)), (std::vector<double>{90.0}));
   EXPECT_EQ(query("get_velocity", motors(kOne)), (std::vector<double>{0.0}));
-  EXPECT_FALSE(controller.secondsUntilNextCompletion().has_value());
+  EXPECT_FALSE(controller.SecondsUntilNextCompletion().has_value());
 }
 
 TEST_F(Motion, EachWaitEndsWhenItsOwnMotorsArriveAndCoordinatedMotorsArriveTogether) {
-  ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.0]", "30.0", "60.0")), StateCodes::kOk);  // 3.5 s
+  ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.0]", "30.0", "60.0")),
+            StateCodes::kOk);  // 3.5 s
   Reply first = call("wait_for_motors", motors(kOne));
   const Params pair = motors(R"(["2","3"])");
   const std::vector<double> before = query("get_angles", pair);
   // Relative; the longer way sets the time: 20 degrees at 10 deg/s with 20 deg/s^2 take 2.5 s.
-  ASSERT_EQ(state("move_to_angles", moveParams(R"(["2","3"])", "[10.0,-20.0]", "10.0", "20.0", "1")),
-            StateCodes::kOk);
+  ASSERT_EQ(
+      state("move_to_angles", moveParams(R"(["2","3"])", "[10.0,-20.0]", "10.0", "20.0", "1")),
+      StateCodes::kOk);
   Reply second = call("wait_for_motors", motors(R"(["2"])"));
   EXPECT_EQ(state("wait_for_motors", motors(R"(["4","5"])")), StateCodes::kOk) << "motors at rest";
 
-  clock->advance(1.0);
+  clock->Advance(1.0);
   std::vector<double> mid = query("get_angles", pair);
-  EXPECT_NEAR((mid[0] - before[0]) / 10.0, (mid[1] - before[1]) / -20.0, 1e-9) << "the same share of their way";
-  clock->advance(1.6);
-  auto finished = controller.poll();
+  EXPECT_NEAR((mid[0] - before[0]) / 10.0, (mid[1] - before[1]) / -20.0, 1e-9)
+      << "the same share of their way";
+  clock->Advance(1.6);
+  auto finished = controller.Poll();
   ASSERT_EQ(finished.size(), 1u);
   EXPECT_EQ(finished[0].ticket, second.ticket) << "a later wait is not held up by an earlier one";
   const std::vector<double> after = query("get_angles", pair);
   EXPECT_NEAR(after[0], before[0] + 10.0, 1e-6);
   EXPECT_NEAR(after[1], before[1] - 20.0, 1e-6);
-  clock->advance(1.0);
-  finished = controller.poll();
+  clock->Advance(1.0);
+  finished = controller.Poll();
   ASSERT_EQ(finished.size(), 1u);
   EXPECT_EQ(finished[0].ticket, first.ticket);
 }
@@ -63,36 +67,37 @@ TEST_F(Motion, EachWaitEndsWhenItsOwnMotorsArriveAndCoordinatedMotorsArriveToget
 TEST_F(Motion, StopHaltsWhereTheArmIsInterruptsWaitsAndRefusesMotionUntilRecover) {
   ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.0]", "30.0", "60.0")), StateCodes::kOk);
   Reply wait = call("wait_for_motors", motors(kOne));
-  clock->advance(2.0);
+  clock->Advance(2.0);
   EXPECT_EQ(state("stop"), StateCodes::kOk);
-  EXPECT_EQ(controller.mode(), ControllerMode::Stopped);
-  auto finished = controller.poll();
+  EXPECT_EQ(controller.Mode(), ControllerMode::Stopped);
+  auto finished = controller.Poll();
   ASSERT_EQ(finished.size(), 1u);
   EXPECT_EQ(finished[0].ticket, wait.ticket);
   EXPECT_EQ(std::stoi(finished[0].reply.state), StateCodes::kMotionInterrupted);
   EXPECT_NEAR(query("get_angles", motors(kOne))[0], 52.5, 1e-6);
-  clock->advance(5.0);
+  clock->Advance(5.0);
   EXPECT_NEAR(query("get_angles", motors(kOne))[0], 52.5, 1e-6) << "queries go on";
   EXPECT_EQ(query("get_velocity", motors(kOne))[0], 0.0);
 
-  EXPECT_EQ(state("move_to_angles", moveParams(kOne, "[10.0]", "10", "10")), StateCodes::kRefusedInState);
+  EXPECT_EQ(state("move_to_angles", moveParams(kOne, "[10.0]", "10", "10")),
+            StateCodes::kRefusedInState);
   EXPECT_EQ(state("recover"), StateCodes::kOk);
   EXPECT_EQ(state("move_to_angles", moveParams(kOne, "[10.0]", "10", "10")), StateCodes::kOk);
   EXPECT_EQ(state("calibrate"), StateCodes::kRefusedInState) << "calibration needs the arm at rest";
-  clock->advance(10.0);
+  clock->Advance(10.0);
   EXPECT_EQ(state("calibrate"), StateCodes::kOk);
 }
 
 TEST_F(Motion, ANewMoveTakesOverFromWhereTheMotorIsAndTheWaitFollowsIt) {
   ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.0]", "30.0", "60.0")), StateCodes::kOk);
   Reply wait = call("wait_for_motors", motors(kOne));
-  clock->advance(2.0);  // at 52.5, where the way back starts
+  clock->Advance(2.0);  // at 52.5, where the way back starts
   ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[0.0]", "30.0", "60.0")), StateCodes::kOk);
-  clock->advance(0.01);
+  clock->Advance(0.01);
   EXPECT_LT(query("get_angles", motors(kOne))[0], 52.5 + 1e-9);
-  EXPECT_TRUE(controller.poll().empty()) << "the wait follows the new target";
-  clock->advance(10.0);
-  auto finished = controller.poll();
+  EXPECT_TRUE(controller.Poll().empty()) << "the wait follows the new target";
+  clock->Advance(10.0);
+  auto finished = controller.Poll();
   ASSERT_EQ(finished.size(), 1u);
   EXPECT_EQ(finished[0].ticket, wait.ticket);
   EXPECT_NEAR(query("get_angles", motors(kOne))[0], 0.0, 1e-9);
@@ -100,18 +105,23 @@ TEST_F(Motion, ANewMoveTakesOverFromWhereTheMotorIsAndTheWaitFollowsIt) {
 
 TEST_F(Motion, HoldStopsTheMoveAndReleaseMakesAMotorLimp) {
   const Params pair = motors(R"(["1","2"])");
-  ASSERT_EQ(state("move_to_angles", moveParams(R"(["1","2"])", "[40.0,40.0]", "20.0", "40.0")), StateCodes::kOk);
-  clock->advance(1.0);
+  ASSERT_EQ(state("move_to_angles", moveParams(R"(["1","2"])", "[40.0,40.0]", "20.0", "40.0")),
+            StateCodes::kOk);
+  clock->Advance(1.0);
   EXPECT_EQ(state("hold", motors(R"(["2"])")), StateCodes::kOk);
   // The whole coordinated move stops, not only the held motor.
   const std::vector<double> held = query("get_angles", pair);
-  clock->advance(3.0);
+  clock->Advance(3.0);
   EXPECT_EQ(query("get_angles", pair), held);
 
   EXPECT_EQ(state("release", motors(kOne)), StateCodes::kOk);
   EXPECT_EQ(query("get_current", motors(kOne)), (std::vector<double>{0.0}));
-  EXPECT_EQ(state("move_to_angles", moveParams(kOne, "[0.0]", "20.0", "40.0")), StateCodes::kMotorReleased);
-  EXPECT_EQ(state("moveJ", {{"points", "[]"}, {"velocity", "10"}, {"acceleration", "10"}, {"interval", "0"},
+  EXPECT_EQ(state("move_to_angles", moveParams(kOne, "[0.0]", "20.0", "40.0")),
+            StateCodes::kMotorReleased);
+  EXPECT_EQ(state("moveJ", {{"points", "[]"},
+                            {"velocity", "10"},
+                            {"acceleration", "10"},
+                            {"interval", "0"},
                             {"closed", "0"}}),
             StateCodes::kMotorReleased);
   EXPECT_EQ(state("wait_for_motors", motors(kOne)), StateCodes::kOk);

@@ -25,9 +25,11 @@ TEST_F(Session, BadRequestsGetTheirCodeAndChangeNothing) {
                {"Robot", {{"name", "arm"}, {"parameters", "{}"}, {"virtual", "2"}}, bad},
                {"Robot", {{"parameters", "{}"}, {"virtual", "0"}}, bad},
                {"get_angles", motors(R"(["1"])"), StateCodes::kRefusedInState}});
-  EXPECT_EQ(controller.mode(), ControllerMode::Unconfigured);
-  ASSERT_EQ(state("Robot", {{"name", ""}, {"parameters", "{}"}, {"virtual", "0"}}), StateCodes::kOk);
-  ASSERT_EQ(state("set_output", {{"motor_ids", R"(["2"])"}, {"signal", R"({"2": 1})"}}), StateCodes::kOk);
+  EXPECT_EQ(controller.Mode(), ControllerMode::Unconfigured);
+  ASSERT_EQ(state("Robot", {{"name", ""}, {"parameters", "{}"}, {"virtual", "0"}}),
+            StateCodes::kOk);
+  ASSERT_EQ(state("set_output", {{"motor_ids", R"(["2"])"}, {"signal", R"({"2": 1})"}}),
+            StateCodes::kOk);
 
   const char* one = R"(["1"])";
   expectCodes({
@@ -41,19 +43,32 @@ TEST_F(Session, BadRequestsGetTheirCodeAndChangeNothing) {
       {"move_to_angles", moveParams(one, "[1.0]", "10", "10", "2"), bad},
       {"move_to_angles", moveParams(R"(["1","1"])", "[1.0,2.0]", "10", "10"), bad},
       {"move_to_angles", moveParams(one, "[400.0]", "10", "10"), StateCodes::kUnreachable},
-      {"move_to_position", {{"position", "[0.0,0.0,0.01,[0.0,0.0,0.0]]"}, {"velocity", "1e400"},
-                            {"acceleration", "1.0"}, {"relative", "1"}, {"block", "0"}}, bad},
+      {"move_to_position",
+       {{"position", "[0.0,0.0,0.01,[0.0,0.0,0.0]]"},
+        {"velocity", "1e400"},
+        {"acceleration", "1.0"},
+        {"relative", "1"},
+        {"block", "0"}},
+       bad},
       {"forward", {{"angles", "[0.0,0.0]"}}, bad},
-      {"moveL", {{"points", "[]"}, {"velocity", "0.1"}, {"acceleration", "0.1"}, {"interval", "0"},
-                 {"closed", "0"}}, bad},  // no "radius"
+      {"moveL",
+       {{"points", "[]"},
+        {"velocity", "0.1"},
+        {"acceleration", "0.1"},
+        {"interval", "0"},
+        {"closed", "0"}},
+       bad},  // no "radius"
       {"set_output", {{"motor_ids", R"(["2"])"}, {"signal", R"({"2": 5})"}}, bad},
       {"set_output", {{"motor_ids", R"(["2"])"}, {"signal", R"({"3": 0})"}}, bad},
-      {"set_output", {{"motor_ids", R"(["2","9"])"}, {"signal", R"({"2": 0,"9": 1})"}}, StateCodes::kUnknownMotor},
+      {"set_output",
+       {{"motor_ids", R"(["2","9"])"}, {"signal", R"({"2": 0,"9": 1})"}},
+       StateCodes::kUnknownMotor},
       {"set_EOAT_action", {{"name", "gripper"}, {"action", "twist"}}, StateCodes::kUnknownTool},
       {"set_EOAT_action", {{"name", "welder"}, {"action", "open"}}, StateCodes::kUnknownTool},
       {"set_EOAT_action", {{"name", "gripper"}}, bad},
   });
-  EXPECT_EQ(query("get_velocity", motors(R"(["1","2","3","4","5","6"])")), std::vector<double>(6, 0.0));
+  EXPECT_EQ(query("get_velocity", motors(R"(["1","2","3","4","5","6"])")),
+            std::vector<double>(6, 0.0));
   EXPECT_EQ(call("get_input", motors(R"(["2"])")).result1, "[1]");
 }
 

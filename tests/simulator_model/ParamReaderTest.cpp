@@ -8,12 +8,17 @@ namespace {
 
 // The controller tests drive every reader with the client's texts; these are texts it must refuse.
 TEST(ParamReader, RejectsMalformedTextsWithoutThrowing) {
-  Params params{{"ids", R"(["1","x"])"},      {"open", "[1.0,2.0"},
-                {"trailing", "[1.0]]"},       {"word", "abc"},
-                {"nan", "nan"},               {"flag", "2"},
+  Params params{{"ids", R"(["1","x"])"},
+                {"open", "[1.0,2.0"},
+                {"trailing", "[1.0]]"},
+                {"word", "abc"},
+                {"nan", "nan"},
+                {"flag", "2"},
                 {"short", "[0.1,0.2,[0.0,0.0,0.0]]"},
-                {"signal", R"({"a": 1})"},    {"deep", "[[[[[[[[[[[[1]]]]]]]]]]]]"},
-                {"unquoted", R"({1: 0})"},    {"zero", "0.000000"},
+                {"signal", R"({"a": 1})"},
+                {"deep", "[[[[[[[[[[[[1]]]]]]]]]]]]"},
+                {"unquoted", R"({1: 0})"},
+                {"zero", "0.000000"},
                 {"huge", "99999999999999999999"}};
   ParamReader reader(params);
   std::vector<int> ids;
@@ -23,26 +28,26 @@ TEST(ParamReader, RejectsMalformedTextsWithoutThrowing) {
   double real = 0.0;
   int integer = 0;
   bool flag = false;
-  EXPECT_FALSE(reader.ids("ids", ids));
-  EXPECT_FALSE(reader.reals("open", reals));
-  EXPECT_FALSE(reader.reals("trailing", reals));
-  EXPECT_FALSE(reader.real("word", real));
-  EXPECT_FALSE(reader.real("nan", real));
-  EXPECT_FALSE(reader.flag("flag", flag));
-  EXPECT_FALSE(reader.pose("short", pose));
-  EXPECT_FALSE(reader.signals("signal", signals));
-  EXPECT_FALSE(reader.reals("deep", reals));
-  EXPECT_FALSE(reader.signals("unquoted", signals));
-  EXPECT_FALSE(reader.positive("zero", real));
-  EXPECT_FALSE(reader.integer("huge", integer));
-  EXPECT_FALSE(reader.reals("missing", reals));
+  EXPECT_FALSE(reader.Ids("ids", ids));
+  EXPECT_FALSE(reader.Reals("open", reals));
+  EXPECT_FALSE(reader.Reals("trailing", reals));
+  EXPECT_FALSE(reader.Real("word", real));
+  EXPECT_FALSE(reader.Real("nan", real));
+  EXPECT_FALSE(reader.Flag("flag", flag));
+  EXPECT_FALSE(reader.SinglePose("short", pose));
+  EXPECT_FALSE(reader.Signals("signal", signals));
+  EXPECT_FALSE(reader.Reals("deep", reals));
+  EXPECT_FALSE(reader.Signals("unquoted", signals));
+  EXPECT_FALSE(reader.Positive("zero", real));
+  EXPECT_FALSE(reader.Integer("huge", integer));
+  EXPECT_FALSE(reader.Reals("missing", reals));
 }
 
 TEST(ResultText, ListsInTheFormsTheClientSplits) {
-  EXPECT_EQ(fixedList({45.0, -0.5, -0.0}), "[45.000000,-0.500000,0.000000]");
-  EXPECT_EQ(integerList({1, 2, 3}), "[1,2,3]");
-  EXPECT_EQ(integerList({}), "[]");
-  EXPECT_EQ(poseList({0.123456789012, 0, -1.5, 0, 3.14159265358979, 0}),
+  EXPECT_EQ(FixedList({45.0, -0.5, -0.0}), "[45.000000,-0.500000,0.000000]");
+  EXPECT_EQ(IntegerList({1, 2, 3}), "[1,2,3]");
+  EXPECT_EQ(IntegerList({}), "[]");
+  EXPECT_EQ(PoseList({0.123456789012, 0, -1.5, 0, 3.14159265358979, 0}),
             "[0.123456789,0,-1.5,0,3.14159265,0]");
 }
 
