@@ -8,7 +8,7 @@ namespace {
 
 // Two's-complement reading of the accumulator, spelled out so that it does not depend on
 // the implementation-defined unsigned-to-signed conversion.
-int toSigned(std::uint32_t value) {
+int ToSigned(std::uint32_t value) {
   constexpr std::uint32_t kIntMax = std::numeric_limits<std::int32_t>::max();
   if (value <= kIntMax) {
     return static_cast<int>(value);
@@ -40,5 +40,5 @@ int CheckSum::CalcSum() {
     }
   }
   elements.clear();
-  return toSigned(sum);
+  return ToSigned(sum);
 }
