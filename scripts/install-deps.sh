@@ -9,9 +9,9 @@ demo=(cmake g++ make)
 # pkg-config builds the README's program against an install; clang-14 and its runtimes
 # (libFuzzer among them) build the fuzzing harnesses; valgrind checks the soak for leaks;
 # pybind11 and the Python headers build the Python module, pytest runs its tests; dpkg-dev and
-# file let CPack build the Debian packages.
+# file let CPack build the Debian packages; clang-format-14 checks the format.
 test=("${demo[@]}" pkg-config libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
-      libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest dpkg-dev file)
+      libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest dpkg-dev file clang-format-14)
 
 packages=()
 for name in "${@:-test}"; do
