@@ -5,7 +5,7 @@
 
 #include "robot/RobotFixture.h"
 
-using RobotQueryTest = RobotTest;
+using RobotQueryTest = LoggedInRobotTest;
 
 constexpr double kUntouched = -77.0;
 
@@ -59,19 +59,14 @@ TEST_F(RobotQueryTest, ALongReplyNeverOverrunsTheCallersArray) {
   EXPECT_EQ(inputs[3999], 9);
 }
 
-TEST_F(RobotQueryTest, ARefusalIsReturnedWithTheOutputsUntouched) {
-  double value = kUntouched;
-  EXPECT_EQ(Ask([&] { return robot.get_current(3, value); }, "get_current", "[2.5]", "1003"), 1003);
-  _Pose pose{kUntouched, 0, 0, 0, 0, 0};
-  EXPECT_EQ(Ask([&] { return robot.get_pose(pose); }, "get_position", "[1,2,3,4,5,6]", "-3"), -3);
-  EXPECT_EQ(value, kUntouched);
-  EXPECT_EQ(pose.x, kUntouched);
-}
-
-TEST_F(RobotQueryTest, AValueThatDoesNotParseThrowsToTheCaller) {
+// A refusal returns its state; a value that does not parse throws to the caller. Either way the
+// outputs keep what they held and the session goes on.
+TEST_F(RobotQueryTest, ARefusedOrUnreadableReplyLeavesTheOutputsUntouched) {
   double value = kUntouched;
   int inputs[2] = {-1, -1};
-  _Pose pose;
+  _Pose pose{kUntouched, 0, 0, 0, 0, 0};
+  EXPECT_EQ(Ask([&] { return robot.get_current(3, value); }, "get_current", "[2.5]", "1003"), 1003);
+  EXPECT_EQ(Ask([&] { return robot.get_pose(pose); }, "get_position", "[1,2,3,4,5,6]", "-3"), -3);
   EXPECT_THROW(Ask([&] { return robot.get_velocity(1, value); }, "get_velocity", "[]"),
                std::invalid_argument);
   EXPECT_THROW(Ask([&] { return robot.get_angles(1, value); }, "get_angles", "[1e40]"),
@@ -81,9 +76,10 @@ TEST_F(RobotQueryTest, AValueThatDoesNotParseThrowsToTheCaller) {
   EXPECT_THROW(Ask([&] { return robot.get_pose(pose); }, "get_position", "[1,2,3,4,5]"),
                std::out_of_range);
   EXPECT_EQ(value, kUntouched);
+  EXPECT_EQ(pose.x, kUntouched);
   EXPECT_EQ(inputs[0], -1) << "nothing is stored unless every value parses";
   EXPECT_EQ(Ask([&] { return robot.get_angles(1, value); }, "get_angles", "[4]"), 0);
-  EXPECT_EQ(value, 4.0) << "the session goes on";
+  EXPECT_EQ(value, 4.0);
 }
 
 // The forms no command sends, and the splitter's edge cases.

@@ -24,37 +24,16 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 // A Robot that is not logged in, and a controller that takes its logins.
-class RobotSessionTest : public ::testing::Test {
+class RobotSessionTest : public RobotTest {
 protected:
-  ::testing::AssertionResult LogIn(Robot& target) {
-    std::future<int> login = std::async(
-        std::launch::async, [&] { return target.RobotLogin("127.0.0.1", controller.PortArg()); });
-    tavsim::ClientMessage hello;
-    ::testing::AssertionResult played = controller.Accept();
-    if (played)
-      played = controller.ReceiveClientInfo(hello);
-    if (played)
-      played = controller.SendConnResult();
-    if (!played)
-      controller.Close();
-    const int code = login.get();
-    if (!played)
-      return played;
-    return code == 0 ? ::testing::AssertionSuccess()
-                     : ::testing::AssertionFailure() << "login returned " << code;
-  }
-
   // Starts get_angles into `angle` and waits until the controller has its request, which stays
   // unanswered.
   std::future<int> PendingQuery() {
-    std::future<int> query =
-        std::async(std::launch::async, [&] { return robot.get_angles(1, angle); });
+    std::future<int> query = Start([&] { return robot.get_angles(1, angle); });
     EXPECT_TRUE(controller.ReceiveCommand("get_angles", pending));
     return query;
   }
 
-  tavtest::ScriptedController controller;
-  Robot robot;
   tavsim::ClientMessage pending;
   double angle = 0.0;
 };
