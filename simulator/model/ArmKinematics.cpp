@@ -35,7 +35,7 @@ double NearestTurn(double angle, double reference, double limit) {
 
 }  // namespace
 
-ArmKinematics::ArmKinematics(const Links& links) : links(links) {}
+ArmKinematics::ArmKinematics(const Links& table) : links(table) {}
 
 ArmKinematics ArmKinematics::Ur5() {
   return ArmKinematics(Links{{{0.0, kHalfPi, 0.089159},

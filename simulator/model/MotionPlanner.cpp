@@ -32,8 +32,8 @@ std::unique_ptr<Trajectory> ChainOrNull(std::vector<std::unique_ptr<Trajectory>>
 
 }  // namespace
 
-MotionPlanner::MotionPlanner(const ArmKinematics& kinematics, double jointLimitDegrees)
-    : kinematics(kinematics), jointLimit(jointLimitDegrees) {}
+MotionPlanner::MotionPlanner(const ArmKinematics& model, double jointLimitDegrees)
+    : kinematics(model), jointLimit(jointLimitDegrees) {}
 
 bool MotionPlanner::WithinLimits(const JointVector& joints) const {
   return std::all_of(joints.begin(), joints.end(),

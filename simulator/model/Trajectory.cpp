@@ -72,10 +72,10 @@ JointVector JointRamp::VelocityAt(double t) const {
   return velocity;
 }
 
-Dwell::Dwell(JointVector at, double seconds) : at(std::move(at)), seconds(seconds) {}
+Dwell::Dwell(JointVector where, double duration) : at(std::move(where)), seconds(duration) {}
 
-SampledTrajectory::SampledTrajectory(double step, std::vector<JointVector> samples)
-    : step(step), samples(std::move(samples)) {}
+SampledTrajectory::SampledTrajectory(double interval, std::vector<JointVector> points)
+    : step(interval), samples(std::move(points)) {}
 
 double SampledTrajectory::Duration() const {
   return step * static_cast<double>(samples.size() - 1);

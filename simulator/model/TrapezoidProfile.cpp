@@ -4,8 +4,8 @@
 
 namespace tavsim {
 
-TrapezoidProfile::TrapezoidProfile(double distance, double maxVelocity, double acceleration)
-    : distance(distance), acceleration(acceleration) {
+TrapezoidProfile::TrapezoidProfile(double length, double maxVelocity, double rate)
+    : distance(length), acceleration(rate) {
   double rampDistance = maxVelocity * maxVelocity / acceleration;
   if (distance >= rampDistance) {
     peakVelocity = maxVelocity;
