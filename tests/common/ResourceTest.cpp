@@ -10,7 +10,6 @@
 
 #include "common/TavResource.h"
 #include "common/TavUtils.h"
-#include "support/TemporaryDirectory.h"
 #include "support/TemporaryHome.h"
 
 namespace fs = std::filesystem;
@@ -18,8 +17,9 @@ namespace fs = std::filesystem;
 TEST(TavUtilsTest, TimeStampCountsToTenThousandTwoHundredFortyThenWraps) {
   _TavTimeStamp = 0;
   int mismatches = 0;
-  for (int expected = 1; expected <= 10240; ++expected)
+  for (int expected = 1; expected <= 10240; ++expected) {
     mismatches += GetTimeStamp() != expected;
+  }
   EXPECT_EQ(mismatches, 0);
   EXPECT_EQ(GetTimeStamp(), 1);
 }
@@ -60,28 +60,27 @@ protected:
   // The base without a usable HOME; getcwd, which the library asks, resolves links.
   const std::string localBase = fs::canonical(workingDirectory.Path()).string() + "/TavClient";
   TavResource& resource = TavResource::GetInstance();
+
+  // The log and repository paths are set and made under `base`.
+  void ExpectPathsUnder(const std::string& base) {
+    EXPECT_EQ(resource.GetLogPath(), base + "/log");
+    EXPECT_EQ(resource.GetRepositoryPath(), base + "/repository");
+    EXPECT_TRUE(fs::is_directory(base + "/log") && fs::is_directory(base + "/repository"));
+  }
 };
 
 // A file of comments only reads as none.
 TEST_F(TavResourceTest, WithoutAKeyInAPropertiesFileMakesTheDefaultsUnderHome) {
   std::ofstream(properties) << "/* TAVCLIENT_PATH=/elsewhere */\n\n";
   EXPECT_EQ(resource.Load(), 0);
-  EXPECT_TRUE(resource.IsLoaded());
-  EXPECT_EQ(resource.GetHome(), home.Path());
-  EXPECT_EQ(resource.GetBasePath(), home.Path() + "/TavClient");
-  EXPECT_EQ(resource.GetLogPath(), home.Path() + "/TavClient/log");
-  EXPECT_EQ(resource.GetRepositoryPath(), home.Path() + "/TavClient/repository");
   EXPECT_EQ(resource.GetHomeNotice(), "");
-  EXPECT_TRUE(fs::is_directory(resource.GetLogPath()) &&
-              fs::is_directory(resource.GetRepositoryPath()));
+  ExpectPathsUnder(home.Path() + "/TavClient");
 }
 
-// Any content but empty lines and block comments makes the properties reader throw: Load has
-// read HOME then and made nothing.
+// Any content but empty lines and block comments makes the properties reader throw.
 TEST_F(TavResourceTest, APropertiesFileWithAKeyThrowsBeforeMakingAnything) {
   std::ofstream(properties) << "LOG_PATH=" << home.Path() << "/logs\n";
   EXPECT_THROW(resource.Load(), std::out_of_range);
-  EXPECT_EQ(resource.GetHome(), home.Path());
   EXPECT_TRUE(fs::is_empty(home.Path()));
 }
 
@@ -102,11 +101,8 @@ TEST_F(TavResourceTest, WithoutAUsableHomeMakesTheDirectoriesInTheWorkingDirecto
     const tavtest::ScopedHome homeOfTheCase(value);
     EXPECT_EQ(resource.Load(), 0);
     EXPECT_EQ(resource.GetHomeNotice(), "HOME is not usable (" + reason + ")");
-    EXPECT_EQ(resource.GetBasePath(), localBase);
-    EXPECT_EQ(resource.GetLogPath(), localBase + "/log");
-    EXPECT_EQ(resource.GetRepositoryPath(), localBase + "/repository");
+    ExpectPathsUnder(localBase);
   }
-  EXPECT_TRUE(fs::is_directory(localBase + "/log") && fs::is_directory(localBase + "/repository"));
   EXPECT_TRUE(fs::is_empty(deep));
 }
 
@@ -115,7 +111,6 @@ TEST_F(TavResourceTest, ADirectoryThatCannotBeMadeGivesTheFailureCodeAndNoPathOf
   std::ofstream(localBase) << "x";
   const tavtest::ScopedHome homeUnset(std::nullopt);
   EXPECT_EQ(resource.Load(), 1005011);
-  EXPECT_EQ(resource.GetBasePath(), localBase);
   EXPECT_EQ(resource.GetLogPath(), localBase + "/log") << "set before it failed";
   EXPECT_EQ(resource.GetRepositoryPath(), "");
 }
