@@ -10,12 +10,11 @@
 #include <utility>
 #include <vector>
 
-#include "Commands.h"
+#include "WorkerFixture.h"
 #include "client/Client.h"
 #include "common/RobotEvent.h"
 #include "support/Polling.h"
 #include "support/ProcessProbe.h"
-#include "support/ScriptedController.h"
 #include "support/TemporaryHome.h"
 
 using namespace std::chrono_literals;
@@ -70,23 +69,15 @@ TEST_F(ClientTest, RefusedSettingsKeepTheNineSecondHeartbeatAndAWaitingCallBurns
   EXPECT_EQ("0.1", result["result1"]);
 }
 
-// The logger thread, once started, lives as long as the process: start it before counting.
-std::size_t ThreadsWithLoggerRunning() {
-  { Client warmUp; }
-  return tavtest::ThreadCount();
-}
-
-bool ThreadCountReturnsTo(std::size_t expected) {
-  return tavtest::PollUntil(2s, [expected] { return tavtest::ThreadCount() == expected; });
-}
-
+// The logger thread, once started, lives as long as the process: a first Client starts it.
 TEST(ClientLifecycleTest, ConstructorThatThrowsJoinsTheWorkersItStarted) {
-  const std::size_t baseline = ThreadsWithLoggerRunning();
+  { Client warmUp; }
+  const std::size_t baseline = tavtest::ThreadCount();
   const tavtest::TemporaryDirectory directory;
   std::ofstream(directory.Path() + "/TavClientResource.properties") << "LOG_PATH=/nowhere\n";
   const tavtest::WorkingDirectory inDirectory(directory.Path());
   EXPECT_THROW(Client client, std::out_of_range);
-  EXPECT_TRUE(ThreadCountReturnsTo(baseline))
+  EXPECT_TRUE(tavtest::PollUntil(2s, [baseline] { return tavtest::ThreadCount() == baseline; }))
       << tavtest::ThreadCount() << " threads, " << baseline << " expected";
 }
 
@@ -111,8 +102,9 @@ TEST(ClientLifecycleTest, AResetSeenByBothWorkersIsReportedOnce) {
         2s, [&] { return (failed = client.AddTasks(CommandTask("stop", 0))) != 0; }));
     EXPECT_TRUE(tavtest::PollUntil(2s, [] {
       for (const std::string& line : tavtest::LogLines(::getenv("HOME"))) {
-        if (line.find("Sender thread send failed.") != std::string::npos)
+        if (line.find("Sender thread send failed.") != std::string::npos) {
           return true;
+        }
       }
       return false;
     })) << "the Sender met the reset too";
