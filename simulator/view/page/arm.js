@@ -66,7 +66,7 @@ function ArmScene(canvas, note) {
   }
 
   // Orbit by dragging, zoom with the wheel.
-  const view = { azimuth: -0.9, elevation: 0.45, distance: 2.0 };
+  const view = { azimuth: -0.9, elevation: 0.4, distance: 1.5 };
   let drag = null;
   canvas.addEventListener("pointerdown", function (e) { drag = { x: e.clientX, y: e.clientY }; });
   window.addEventListener("pointerup", function () { drag = null; });
@@ -99,9 +99,13 @@ function ArmScene(canvas, note) {
   window.addEventListener("resize", render);
 
   // Places every part from the state's frames; false when there is no arm to draw.
+  let drawn = "";
   function draw(state) {
     const frames = state.frames;
     if (!frames || frames.length < 7) return false;
+    const key = JSON.stringify(frames) + state.gripper.closed;
+    if (key === drawn) return true;  // nothing moved
+    drawn = key;
     for (let i = 0; i < 6; i++) {
       const origin = vector(frames[i].origin), axis = vector(frames[i].z);
       span(housings[i], origin.clone().addScaledVector(axis, -0.06), origin.clone().addScaledVector(axis, 0.06));

@@ -12,6 +12,11 @@ window.tavView = { live: false, drawnAngles: null, gripperClosed: false, updates
 function viewChanged() { window.dispatchEvent(new Event("viewchange")); }
 
 function fixed(value, digits) { return Number(value).toFixed(digits); }
+// Rebuilding the same rows would cost the browser a layout for nothing.
+const shownHtml = {};
+function setHtml(id, html) {
+  if (shownHtml[id] !== html) element(id).innerHTML = shownHtml[id] = html;
+}
 
 function showJoints(state) {
   let rows = "<tr><th>motor</th><th>deg</th><th>deg/s</th><th>A</th></tr>";
@@ -21,7 +26,7 @@ function showJoints(state) {
       "</th><td" + limp + ">" + fixed(angle, 2) + "</td><td" + limp + ">" + fixed(state.velocities[i], 2) + "</td><td" + limp + ">" +
       fixed(state.currents[i], 3) + "</td></tr>";
   });
-  element("joints").innerHTML = rows;
+  setHtml("joints", rows);
 }
 
 function lamps(label, levels) {
@@ -33,7 +38,7 @@ function showTool(state) {
   element("pose").textContent = p ? "x " + fixed(p.x, 4) + "  y " + fixed(p.y, 4) + "  z " + fixed(p.z, 4) + " m,  roll " + fixed(p.roll, 3) +
     "  pitch " + fixed(p.pitch, 3) + "  yaw " + fixed(p.yaw, 3) + " rad" : "no arm: fewer than six motors";
   element("gripper").textContent = "gripper " + (state.gripper.closed ? "closed" : "open") + ",  vacuum " + (state.gripper.vacuum ? "holding" : "off");
-  element("io").innerHTML = "<p>" + lamps("out", state.outputs) + "</p><p>" + lamps("in", state.inputs) + "</p>";
+  setHtml("io", "<p>" + lamps("out", state.outputs) + "</p><p>" + lamps("in", state.inputs) + "</p>");
 }
 
 function showFeed(entries) {
@@ -47,16 +52,29 @@ function showFeed(entries) {
   while (list.children.length > kFeedShown) list.removeChild(list.lastChild);
 }
 
-function show(state) {
-  if (arm.draw(state)) window.tavView.drawnAngles = state.angles;
-  window.tavView.gripperClosed = state.gripper.closed;
+// Every state goes into the plots and the feed; the rest shows the newest one at the next frame.
+let newest = null;
+
+function receive(state) {
   charts.forEach(function (chart) { chart.add(state); });
-  element("mode").textContent = state.mode;
-  showJoints(state);
-  showTool(state);
   showFeed(state.feed);
+  newest = state;
   window.tavView.updates++;
-  viewChanged();
+}
+
+function drawNewest() {
+  if (newest) {
+    const state = newest;
+    newest = null;
+    if (arm.draw(state)) window.tavView.drawnAngles = state.angles;
+    window.tavView.gripperClosed = state.gripper.closed;
+    element("mode").textContent = state.mode;
+    showJoints(state);
+    showTool(state);
+    charts.forEach(function (chart) { chart.draw(); });
+    viewChanged();
+  }
+  requestAnimationFrame(drawNewest);
 }
 
 function setLink(up) {
@@ -72,17 +90,12 @@ function follow() {
     setLink(true);
     element("feed").textContent = "";  // the stream starts with the whole feed again
   };
-  events.onmessage = function (message) { show(JSON.parse(message.data)); };
+  events.onmessage = function (message) { receive(JSON.parse(message.data)); };
   events.onerror = function () {
     setLink(false);
     // A stream that the browser gave up on (an unexpected answer) is opened anew.
     if (events.readyState === EventSource.CLOSED) setTimeout(follow, 1000);
   };
-}
-
-function redrawCharts() {
-  charts.forEach(function (chart) { chart.draw(); });
-  requestAnimationFrame(redrawCharts);
 }
 
 let counted = 0;
@@ -91,4 +104,4 @@ setInterval(function () {
   counted = window.tavView.updates;
 }, 1000);
 follow();
-requestAnimationFrame(redrawCharts);
+requestAnimationFrame(drawNewest);
