@@ -51,11 +51,7 @@ ViewServer::ViewServer(const std::string& host, std::uint16_t requestedPort, Sta
   http->set_read_timeout(kIdleSeconds);
   // The server asks for its task queue once it is running: from then on stop() ends it.
   http->new_task_queue = [this] {
-    {
-      std::lock_guard<std::mutex> lock(mutex);
-      listening = true;
-    }
-    changed.notify_all();
+    _markStarted();
     return new httplib::ThreadPool(kWorkers);
   };
   errno = 0;
@@ -66,10 +62,21 @@ ViewServer::ViewServer(const std::string& host, std::uint16_t requestedPort, Sta
     throw std::system_error(errno != 0 ? errno : EADDRNOTAVAIL, std::generic_category(),
                             "live view on " + host + ":" + std::to_string(requestedPort));
   }
-  this->port = static_cast<std::uint16_t>(bound);
-  thread = std::thread([this] { http->listen_after_bind(); });
+  port = static_cast<std::uint16_t>(bound);
+  thread = std::thread([this] {
+    http->listen_after_bind();
+    _markStarted();  // in case it gave up before running
+  });
   std::unique_lock<std::mutex> lock(mutex);
-  changed.wait(lock, [this] { return listening; });
+  changed.wait(lock, [this] { return started; });
+}
+
+void ViewServer::_markStarted() {
+  {
+    std::lock_guard<std::mutex> lock(mutex);
+    started = true;
+  }
+  changed.notify_all();
 }
 
 ViewServer::~ViewServer() {

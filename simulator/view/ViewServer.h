@@ -39,6 +39,7 @@ public:
 
 private:
   void _addRoutes();
+  void _markStarted();
   // Sends the next event of one stream; false once the stream must end.
   bool _sendEvent(std::uint64_t& seenActivity, bool first, httplib::DataSink& sink);
   // Waits for the next event's time; false when the server is stopping.
@@ -49,7 +50,7 @@ private:
   std::unique_ptr<httplib::Server> http;
   std::mutex mutex;
   std::condition_variable changed;
-  bool listening = false;
+  bool started = false;  // the HTTP thread runs its loop, or has left it
   bool stopping = false;
   std::uint16_t port = 0;
   std::thread thread;
