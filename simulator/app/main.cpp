@@ -69,6 +69,7 @@ int main(int argc, char** argv) {
   options.host = line->host;
   options.port = line->port;
   options.controller.motorCount = line->motors;
+  options.view = line->view;
   if (!line->quiet) {
     options.log = PrintLine;
   }
@@ -81,6 +82,10 @@ int main(int argc, char** argv) {
     PrintLine(program + ": simulated controller with " + std::to_string(line->motors) +
               " motors listening on " + simulator.Host() + ":" + std::to_string(simulator.Port()) +
               " (Ctrl-C stops it)");
+    if (const std::optional<std::uint16_t> view = simulator.ViewPort()) {
+      PrintLine(program + ": live view on http://" + simulator.Host() + ":" +
+                std::to_string(*view) + "/");
+    }
     int received = 0;
     sigwait(&stopSignals, &received);
     simulator.Stop();

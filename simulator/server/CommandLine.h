@@ -20,6 +20,7 @@ struct CommandLine {
   std::uint16_t port = kDefaultPort;
   std::size_t motors = 6;
   std::vector<Fault> faults;
+  std::optional<std::uint16_t> view;
   bool quiet = false;
   bool help = false;
 };
