@@ -22,24 +22,12 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-class ClientTest : public ::testing::Test {
-protected:
-  void Connect() {
-    ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
-    ASSERT_TRUE(controller.Accept());
-  }
-
-  void TearDown() override { client.FinalizeSocket(); }
-
-  tavtest::ScriptedController controller;
-  Client client;
-  Message result;
-};
-
 // The one slow case. Refused settings keep the defaults, so the first heartbeat comes nine
 // seconds after the connect; meanwhile a call waiting for its reply burns no CPU, and it wakes
 // as soon as the reply is filed.
-TEST_F(ClientTest, RefusedSettingsKeepTheNineSecondHeartbeatAndAWaitingCallBurnsNoCpu) {
+TEST(ClientTest, RefusedSettingsKeepTheNineSecondHeartbeatAndAWaitingCallBurnsNoCpu) {
+  tavtest::ScriptedController controller;
+  Client client;
   const std::vector<std::pair<double, double>> refused{{0, 20},       {-1, 20}, {NAN, 20},
                                                        {1, HUGE_VAL}, {5, 5},   {6, 5}};
   for (const auto& [period, limit] : refused) {
@@ -50,11 +38,13 @@ TEST_F(ClientTest, RefusedSettingsKeepTheNineSecondHeartbeatAndAWaitingCallBurns
     EXPECT_EQ(RobotEvents::kInvalidArgument, client.SetReplyTimeout(timeout)) << timeout;
   }
   const auto start = Clock::now();
-  ASSERT_NO_FATAL_FAILURE(Connect());
+  ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
+  ASSERT_TRUE(controller.Accept());
   tavsim::ClientMessage command;
   ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("get_velocity", 3)));
   ASSERT_TRUE(controller.ReceiveCommand("get_velocity", command));
   const double cpuBefore = tavtest::ProcessCpuSeconds();
+  Message result;
   std::future<int> waiting =
       std::async(std::launch::async, [&] { return client.GetResult("get_velocity3", result); });
   ASSERT_TRUE(controller.ReceiveHeart(15s));

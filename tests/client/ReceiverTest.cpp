@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <regex>
@@ -14,7 +13,6 @@
 #include "common/TavLogger.h"
 #include "common/TavResource.h"
 #include "core/ControllerReplies.h"
-#include "support/ClientSocket.h"
 #include "support/Polling.h"
 #include "support/TemporaryHome.h"
 
@@ -118,24 +116,6 @@ TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
   EXPECT_EQ("1", result["result1"]) << "the next reply of that name is kept";
 }
 
-// The lines logged after the record "<tag> from", once a last record "<tag> to" is written:
-// records are written in queue order.
-std::vector<std::string> LoggedSince(const std::string& tag) {
-  TavLogger::GetInstance().Info("%s to", tag.c_str());
-  const auto marks = [](const std::string& line, const std::string& text) {
-    return line.size() > 20 && line.compare(20, std::string::npos, "INFO: " + text) == 0;
-  };
-  std::vector<std::string> lines;
-  EXPECT_TRUE(tavtest::PollUntil(10s, [&] {
-    lines = tavtest::LogLines(std::getenv("HOME"));
-    return !lines.empty() && marks(lines.back(), tag + " to");
-  }));
-  const auto from = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
-    return marks(line, tag + " from");
-  });
-  return {from, lines.end()};
-}
-
 TEST_F(ReceiverTest, AFloodOfUnaskedRepliesIsCappedLogsAFewCountedLinesAndLeavesTheSessionUsable) {
   ASSERT_EQ(TavResource::GetInstance().Load(), 0);
   TavLogger::GetInstance().StartLogging();
@@ -158,7 +138,9 @@ TEST_F(ReceiverTest, AFloodOfUnaskedRepliesIsCappedLogsAFewCountedLinesAndLeaves
   controller.Close();  // the Receiver logs the counts it holds when the connection ends
   ASSERT_EQ(EventLog::WaitFor(1), Events{RobotEvents::kReceiveFailed});
 
-  const std::vector<std::string> lines = LoggedSince("flood");
+  TavLogger::GetInstance().Info("flood to");
+  const std::vector<std::string> lines =
+      tavtest::LinesBetween(std::getenv("HOME"), "flood from", "flood to");
   std::size_t bytes = 0;
   long unasked = 0;
   const std::regex counted(R"(recv (\d+) more msgs nobody asked for in the last \d+ s\.$)");

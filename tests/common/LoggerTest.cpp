@@ -3,7 +3,6 @@
 #include <time.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -20,7 +19,6 @@
 #include "common/LogFile.h"
 #include "common/TavLogger.h"
 #include "common/TavResource.h"
-#include "support/Polling.h"
 #include "support/ProcessProbe.h"
 #include "support/TemporaryHome.h"
 
@@ -68,28 +66,21 @@ Files FilesIn(const std::string& directory) {
   return files;
 }
 
-// The logged lines without their time ("YYYY-mm-dd HH:MM:SS "); a line without one is kept
-// whole behind a "?".
-std::vector<std::string> LoggedTexts(const std::string& home) {
-  std::vector<std::string> texts = tavtest::LogLines(home);
-  for (std::string& line : texts) {
+// Log lines without their time ("YYYY-mm-dd HH:MM:SS "); a line without one is kept whole
+// behind a "?".
+std::vector<std::string> Untimed(std::vector<std::string> lines) {
+  for (std::string& line : lines) {
     const bool timed = line.size() >= 20 && line[4] == '-' && line[10] == ' ' && line[16] == ':' &&
                        line[19] == ' ';
     line = timed ? line.substr(20) : "?" + line;
   }
-  return texts;
+  return lines;
 }
 
-// Queues a last record and returns the logged texts once it is written: records are written in
-// queue order, so everything queued before it is there too.
-std::vector<std::string> LoggedThroughNow(const std::string& tag) {
+// The texts logged since the record "<tag> begin", once a last record "<tag> end" is written.
+std::vector<std::string> LoggedSince(const std::string& tag) {
   TavLogger::GetInstance().Info("%s end", tag.c_str());
-  std::vector<std::string> texts;
-  EXPECT_TRUE(tavtest::PollUntil(std::chrono::seconds(10), [&] {
-    texts = LoggedTexts(LoggingHome());
-    return !texts.empty() && texts.back() == "INFO: " + tag + " end";
-  }));
-  return texts;
+  return Untimed(tavtest::LinesBetween(LoggingHome(), tag + " begin", tag + " end"));
 }
 
 // Expects the texts that begin with `head` to be "<head>0" ... "<head><count - 1>".
@@ -163,6 +154,7 @@ TEST(TavLoggerTest, WritesTheLevelTheEventAboveInfoAndTheFormattedTextOfRecordsN
   ASSERT_EQ(logger.GetLevel(), TAV_DEBUG);
   EXPECT_EQ(logger.SetLevel(-1), 1006011);
   EXPECT_EQ(logger.SetLevel(TAV_FATAL + 1), 1006011);
+  logger.Info("format begin");
   logger.Info("format info");
   logger.Warning(7, "%s warning", "format");
   logger.Error(TAV_FATAL, -1, "format error");
@@ -180,11 +172,8 @@ TEST(TavLoggerTest, WritesTheLevelTheEventAboveInfoAndTheFormattedTextOfRecordsN
       "INFO: ",
       "INFO: 542|l42|7|65|1.500000|text|-1294967296|plain dufsc|100",
       "ERROR (2): level error",
-      "INFO: format end",
   };
-  const std::vector<std::string> texts = LoggedThroughNow("format");
-  EXPECT_TRUE(texts.size() >= expected.size() &&
-              std::equal(expected.rbegin(), expected.rend(), texts.rbegin()));
+  EXPECT_EQ(LoggedSince("format"), expected);
 }
 
 TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
@@ -194,6 +183,7 @@ TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
   const std::size_t threads = tavtest::ThreadCount();
   StartLogging(LoggingHome(), LoggingHome());
   constexpr int kThreads = 4, kRecords = 100;
+  TavLogger::GetInstance().Info("%s begin", tag.c_str());
   std::vector<std::thread> producers;
   for (int t = 0; t < kThreads; ++t) {
     producers.emplace_back([&tag, t] {
@@ -205,7 +195,7 @@ TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
   for (std::thread& producer : producers) {
     producer.join();
   }
-  const std::vector<std::string> texts = LoggedThroughNow(tag);
+  const std::vector<std::string> texts = LoggedSince(tag);
   for (int t = 0; t < kThreads; ++t) {
     ExpectNumbered(texts, "INFO: " + tag + " " + std::to_string(t) + ":", kRecords);
   }
@@ -245,7 +235,7 @@ TEST(TavLoggerExitTest, TwoProcessesStartedInTheSameSecondKeepEveryLineOfBoth) {
       },
       ::testing::ExitedWithCode(0), ::testing::StrEq(""))
       << "a usable HOME needs no word on stderr";
-  const std::vector<std::string> texts = LoggedTexts(home.Path());
+  const std::vector<std::string> texts = Untimed(tavtest::LogLines(home.Path()));
   ExpectNumbered(texts, "INFO: child 0:", kRecords);
   ExpectNumbered(texts, "INFO: child 1:", kRecords);
   EXPECT_EQ(texts.size(), 2u * kRecords);
@@ -305,7 +295,7 @@ TEST(TavLoggerExitTest, TakesItsLevelFromTheEnvironmentAndFallsBackFromAnUnusabl
         },
         ::testing::ExitedWithCode(0),
         ::testing::StrEq(placed.empty() ? "" : "tavclient: " + placed + "\n"));
-    EXPECT_EQ(LoggedTexts(directory + "/" + c.logUnder), c.logged);
+    EXPECT_EQ(Untimed(tavtest::LogLines(directory + "/" + c.logUnder)), c.logged);
   }
   EXPECT_EQ(RootEntries(), rootBefore);
 }

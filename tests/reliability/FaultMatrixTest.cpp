@@ -5,12 +5,10 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <functional>
 #include <future>
-#include <iterator>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -22,7 +20,6 @@
 #include "common/RobotEvent.h"
 #include "common/TavLogger.h"
 #include "server/SimulatorServer.h"
-#include "support/Polling.h"
 #include "support/ProcessProbe.h"
 #include "support/ScriptedController.h"
 #include "support/TemporaryHome.h"
@@ -156,30 +153,9 @@ const std::vector<Row> kRows{
 
 short PortArg(std::uint16_t port) { return static_cast<short>(port); }
 
-// The lines logged between two lines of the test's own, which the logger writes in queue order:
-// once `last` is in the file so is every line queued before it, and none queued before `first`
-// is counted.
-std::vector<std::string> LinesBetween(const std::string& first, const std::string& last) {
-  const auto says = [](const std::string& text) {
-    return [&text](const std::string& line) { return line.find(text) != std::string::npos; };
-  };
-  std::vector<std::string> lines;
-  const auto written = [&] {
-    lines = tavtest::LogLines(::getenv("HOME"));
-    return std::any_of(lines.begin(), lines.end(), says(last));
-  };
-  if (!tavtest::PollUntil(5s, written)) {
-    ADD_FAILURE() << "the logger never wrote \"" << last << "\"";
-    return {};
-  }
-  const auto end = std::find_if(lines.rbegin(), lines.rend(), says(last));
-  const auto begin = std::find_if(end, lines.rend(), says(first));
-  return {begin.base(), std::prev(end.base())};
-}
-
 class FaultMatrixTest : public ::testing::TestWithParam<Row> {
 protected:
-  // The first Robot starts the library's logger, which LinesBetween needs running.
+  // The first Robot starts the library's logger, which the log count needs running.
   static void SetUpTestSuite() { Robot starter; }
 
   tavsim::SimulatorServer healthy;  // where a new Robot logs in after the fault
@@ -214,7 +190,8 @@ TEST_P(FaultMatrixTest, WaitingCallReturnsItsCodeInTimeAndANewRobotWorks) {
   const double cpuAfter = tavtest::ProcessCpuSeconds() - cpuBefore;
   EXPECT_LT(cpuAfter, kIdleCpuSeconds);
   TavLogger::GetInstance().Info((marker + " ends").c_str());
-  const std::vector<std::string> logged = LinesBetween(marker + " begins", marker + " ends");
+  const std::vector<std::string> logged =
+      tavtest::LinesBetween(::getenv("HOME"), marker + " begins", marker + " ends");
   EXPECT_LT(logged.size(), kMaxLogLines);
   std::printf("%s: %d after %.1f ms, %.2f ms of CPU in the next second, %zu log lines\n",
               row.name.c_str(), code, std::chrono::duration<double, std::milli>(took).count(),
@@ -241,5 +218,20 @@ TEST_P(FaultMatrixTest, WaitingCallReturnsItsCodeInTimeAndANewRobotWorks) {
 
 INSTANTIATE_TEST_SUITE_P(Faults, FaultMatrixTest, ::testing::ValuesIn(kRows),
                          [](const ::testing::TestParamInfo<Row>& row) { return row.param.name; });
+
+// Busy with a reply it holds back, a controller still answers heartbeats: a watchdog whose limit
+// the wait outlasts leaves the session alone, and the command is sent once.
+TEST(BusyControllerTest, AControllerThatAnswersHeartbeatsIsNotFailedWhileItWorks) {
+  tavsim::SimulatorServer busy;
+  busy.Faults().Add(Fault::DelayReply(kStruck, 1500ms));
+  Robot robot;
+  ASSERT_EQ(robot.SetHeartbeat(0.05, 0.5), 0);
+  ASSERT_EQ(robot.RobotLogin("127.0.0.1", PortArg(busy.Port())), 0);
+  ASSERT_EQ(robot.Setup("arm", kChannel, Setup_Mode::Virtual), 0);
+  double angle = 1.0;
+  EXPECT_EQ(robot.get_angles(1, angle), 0);
+  EXPECT_EQ(angle, 0.0);
+  EXPECT_EQ(busy.Faults().Fired(), 1u);
+}
 
 }  // namespace

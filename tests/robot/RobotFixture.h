@@ -58,11 +58,12 @@ protected:
     return code;
   }
 
-  // A query answered with state `state` and the result list `result1`.
+  // A query answered with state `state` and the result list `result1`: it returns the state.
   template <typename Call>
-  int Ask(Call call, const std::string& wireName, const std::string& result1,
-          const std::string& state = "0") {
-    return Exchange(call, wireName, state, {{"result1", result1}});
+  void Ask(Call call, const std::string& wireName, const std::string& result1,
+           const std::string& state = "0") {
+    EXPECT_EQ(Exchange(call, wireName, state, {{"result1", result1}}), std::stoi(state))
+        << wireName;
   }
 
   tavtest::ScriptedController controller;

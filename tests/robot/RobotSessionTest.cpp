@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <future>
 #include <string>
-#include <vector>
 
 #include "common/RobotEvent.h"
 #include "core/LoopbackListener.h"
@@ -80,18 +79,6 @@ TEST_F(RobotSessionTest, AControllerThatFallsSilentFailsTheSessionAtTheLimit) {
   EXPECT_LT(waited, 900ms) << "the limit and 100 ms, with room for a loaded machine";
   EXPECT_EQ(robot.stop(), RobotEvents::kControllerSilent);
   EXPECT_TRUE(LogIn(robot));
-}
-
-// Busy with a long command, a controller still answers heartbeats: it is never failed.
-TEST_F(RobotSessionTest, ABusyControllerThatAnswersHeartbeatsIsNotFailed) {
-  ASSERT_EQ(robot.SetHeartbeat(0.05, 0.5), 0);
-  ASSERT_TRUE(LogIn(robot));
-  std::future<int> wait = std::async(std::launch::async, [&] { return robot.wait_for_motors(1); });
-  std::vector<tavsim::ClientMessage> commands;
-  ASSERT_TRUE(controller.AnswerHeartsFor(1500ms, commands));
-  ASSERT_EQ(commands.size(), 1u);
-  ASSERT_TRUE(controller.Reply(commands[0]));
-  EXPECT_EQ(wait.get(), 0);
 }
 
 TEST_F(RobotSessionTest, LogoutFromAnotherThreadReleasesAWaitingCall) {

@@ -3,7 +3,7 @@
 #include <linux/sockios.h>
 #include <sys/socket.h>
 
-#include "support/ClientSocket.h"
+#include "support/Polling.h"
 
 namespace tavtest {
 
@@ -59,29 +59,6 @@ AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::s
       (kind != ClientMessageKind::Heart && !message.checksumValid)) {
     return AssertionFailure() << "expected a " << expected << " with a valid checksum, got "
                               << Describe(*text);
-  }
-  return AssertionSuccess();
-}
-
-AssertionResult ScriptedController::AnswerHeartsFor(Wait window,
-                                                    std::vector<tavsim::ClientMessage>& others) {
-  const auto end = std::chrono::steady_clock::now() + window;
-  for (auto now = std::chrono::steady_clock::now(); now < end;
-       now = std::chrono::steady_clock::now()) {
-    if (AssertionResult connected = Connected(); !connected)
-      return connected;
-    const std::optional<std::string> text =
-        connection->ReadMessage(std::chrono::duration_cast<Wait>(end - now));
-    if (!text && connection->PeerClosed())
-      return AssertionFailure() << "the client closed";
-    if (!text)
-      continue;
-    const tavsim::ClientMessage message = tavsim::DecodeClientMessage(*text);
-    if (message.kind != ClientMessageKind::Heart) {
-      others.push_back(message);
-    } else if (AssertionResult answered = Send(tavsim::HeartReplyMessage()); !answered) {
-      return answered;
-    }
   }
   return AssertionSuccess();
 }

@@ -46,9 +46,6 @@ public:
     tavsim::ClientMessage message;
     return Receive(tavsim::ClientMessageKind::Heart, "", message, wait);
   }
-  // Plays a controller busy with a long command for `window`: answers every heartbeat and keeps
-  // whatever else comes in `others`.
-  Result AnswerHeartsFor(Wait window, std::vector<tavsim::ClientMessage>& others);
   // Nothing at all arrives within `window`.
   Result ExpectSilence(Wait window) { return ExpectNoMessage(window, false); }
   // The client closes its side within `wait`, sending nothing more.

@@ -4,12 +4,15 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "support/Polling.h"
 #include "support/TemporaryDirectory.h"
 
 namespace tavtest {
@@ -66,6 +69,27 @@ inline std::vector<std::string> LogLines(const std::string& home) {
     }
   }
   return lines;
+}
+
+// The lines logged under `home` after the last line that says `first` and before the one that
+// says `last`, once that is written. The logger writes in queue order: a test that queues `last`
+// after its own records gets all of them, and none queued before `first`.
+inline std::vector<std::string> LinesBetween(const std::string& home, const std::string& first,
+                                             const std::string& last) {
+  const auto says = [](const std::string& text) {
+    return [&text](const std::string& line) { return line.find(text) != std::string::npos; };
+  };
+  std::vector<std::string> lines;
+  if (!PollUntil(std::chrono::seconds(10), [&] {
+        lines = LogLines(home);
+        return std::any_of(lines.begin(), lines.end(), says(last));
+      })) {
+    ADD_FAILURE() << "the logger never wrote \"" << last << "\"";
+    return {};
+  }
+  const auto end = std::find_if(lines.rbegin(), lines.rend(), says(last));
+  const auto begin = std::find_if(end, lines.rend(), says(first));
+  return {begin.base(), std::prev(end.base())};
 }
 
 }  // namespace tavtest
