@@ -22,11 +22,14 @@ void Latency::Fail(int code) {
 }
 
 void Latency::Report() {
-  if (samples.empty()) return;
+  if (samples.empty())
+    return;
   std::sort(samples.begin(), samples.end());
   const std::size_t last = samples.size() - 1;
   state.counters["median_us"] = Microseconds(samples[last / 2]);
   state.counters["p99_us"] = Microseconds(samples[last * 99 / 100]);
+  state.counters["p999_us"] = Microseconds(samples[last * 999 / 1000]);
+  state.counters["max_us"] = Microseconds(samples[last]);
 }
 
 }  // namespace bench

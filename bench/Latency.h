@@ -8,8 +8,8 @@
 
 namespace bench {
 
-// The duration of every call of one benchmark run, reported as the counters "median_us" and
-// "p99_us": a mean would hide the tail that a robot program waits on.
+// The duration of every call of one benchmark run, reported as the counters "median_us",
+// "p99_us", "p999_us" and "max_us": a mean would hide the tail that a robot program waits on.
 class Latency {
 public:
   explicit Latency(benchmark::State& state);
@@ -20,7 +20,8 @@ public:
     const auto start = std::chrono::steady_clock::now();
     const int code = call();
     samples.push_back(std::chrono::steady_clock::now() - start);
-    if (code != 0) Fail(code);
+    if (code != 0)
+      Fail(code);
   }
 
   // Sets the counters; call once after the loop.
