@@ -28,6 +28,8 @@ void Latency::Report() {
   const std::size_t last = samples.size() - 1;
   state.counters["median_us"] = Microseconds(samples[last / 2]);
   state.counters["p99_us"] = Microseconds(samples[last * 99 / 100]);
+  state.counters["p999_us"] = Microseconds(samples[last * 999 / 1000]);
+  state.counters["max_us"] = Microseconds(samples[last]);
 }
 
 }  // namespace bench

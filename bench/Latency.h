@@ -8,8 +8,8 @@
 
 namespace bench {
 
-// The duration of every call of one benchmark run, reported as the counters "median_us" and
-// "p99_us": a mean would hide the tail that a robot program waits on.
+// The duration of every call of one benchmark run, reported as the counters "median_us",
+// "p99_us", "p999_us" and "max_us": a mean would hide the tail that a robot program waits on.
 class Latency {
 public:
   explicit Latency(benchmark::State& state);

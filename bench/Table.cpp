@@ -136,6 +136,17 @@ void Table::PrintLatencies() const {
       Row(what, latency(run), ratios(run), "median ≤ 2 × floor: " + Verdict(ratio <= 2.0));
     });
   }
+  WithRun("control loop", 1, "1 kHz control loop: get_angles, 1 motor, one call per 1 ms slot",
+          [&](const std::string& what, const Run& run) {
+            Row(what + ", " + Fixed(Counter(run, "seconds"), 0) + " s",
+                "p50 " + Fixed(Counter(run, "median_us"), 1) + " µs, p99 " +
+                    Fixed(Counter(run, "p99_us"), 1) + " µs, p99.9 " +
+                    Fixed(Counter(run, "p999_us"), 1) + " µs, max " +
+                    Fixed(Counter(run, "max_us"), 1) + " µs; " +
+                    Count(Counter(run, "missed_slots")) + " of " + Count(Counter(run, "slots")) +
+                    " slots missed",
+                ratios(run), "");
+          });
 }
 
 void Table::PrintThroughput() const {

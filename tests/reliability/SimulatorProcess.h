@@ -29,6 +29,8 @@ public:
   bool WaitForOutput(const std::string& text, std::chrono::milliseconds wait);
   // SIGKILL, as an out-of-memory killer or a power cut ends a controller; reaps the child.
   void Kill();
+  // Sends `number` to the running child: SIGSTOP and SIGCONT freeze and thaw a controller.
+  void Signal(int number);
 
 private:
   pid_t pid_ = -1;
