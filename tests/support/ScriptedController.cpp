@@ -23,8 +23,9 @@ std::string Describe(const std::string& text) {
 }  // namespace
 
 void ScriptedController::Reset() {
-  if (!connection)
+  if (!connection) {
     return;
+  }
   const linger abort{1, 0};
   ::setsockopt(connection->NativeHandle(), SOL_SOCKET, SO_LINGER, &abort, sizeof abort);
   connection->Close();
@@ -32,22 +33,25 @@ void ScriptedController::Reset() {
 
 AssertionResult ScriptedController::Accept(Wait wait) {
   connection = listener.Accept(wait);
-  if (!connection)
+  if (!connection) {
     return AssertionFailure() << "no client connected within " << wait.count() << " ms";
+  }
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::Connected() const {
-  if (!connection || !connection->IsOpen())
+  if (!connection || !connection->IsOpen()) {
     return AssertionFailure() << "the controller has no open connection";
+  }
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::string& functionName,
                                             tavsim::ClientMessage& message, Wait wait) {
   const std::string expected = std::string(tavsim::ToString(kind)) + " message " + functionName;
-  if (AssertionResult connected = Connected(); !connected)
+  if (AssertionResult connected = Connected(); !connected) {
     return connected;
+  }
   const std::optional<std::string> text = connection->ReadMessage(wait);
   if (!text) {
     return AssertionFailure() << "expected a " << expected << ", but "
@@ -64,8 +68,9 @@ AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::s
 }
 
 AssertionResult ScriptedController::ExpectNoMessage(Wait wait, bool closed) {
-  if (AssertionResult connected = Connected(); !connected)
+  if (AssertionResult connected = Connected(); !connected) {
     return connected;
+  }
   if (const std::optional<std::string> text = connection->ReadMessage(wait)) {
     return AssertionFailure() << "expected nothing from the client, got " << Describe(*text);
   }
@@ -81,16 +86,19 @@ AssertionResult ScriptedController::ExpectNoMessage(Wait wait, bool closed) {
 }
 
 AssertionResult ScriptedController::Send(const std::string& bytes) {
-  if (AssertionResult connected = Connected(); !connected)
+  if (AssertionResult connected = Connected(); !connected) {
     return connected;
-  if (!connection->Write(bytes))
+  }
+  if (!connection->Write(bytes)) {
     return AssertionFailure() << "could not write \"" << bytes << "\" to the client";
+  }
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::WaitDelivered(Wait wait) {
-  if (AssertionResult connected = Connected(); !connected)
+  if (AssertionResult connected = Connected(); !connected) {
     return connected;
+  }
   return WaitQueueEmpty(connection->NativeHandle(), SIOCOUTQ, wait);
 }
 

@@ -67,8 +67,9 @@ public:
   Result WaitDelivered(Wait wait = kDefaultWait);
 
   void Close() {
-    if (connection)
+    if (connection) {
       connection->Close();
+    }
   }
   // Aborts the connection: the client's next read fails with a reset instead of seeing an end.
   void Reset();
