@@ -34,15 +34,18 @@ struct Footprint {
 };
 
 Footprint Measure() {
-  return {tavtest::OpenDescriptorCount(), tavtest::ThreadCount(), tavtest::HeapBytesInUse(), tavtest::ResidentBytes()};
+  return {tavtest::OpenDescriptorCount(), tavtest::ThreadCount(), tavtest::HeapBytesInUse(),
+          tavtest::ResidentBytes()};
 }
 
 std::string Describe(const char* what, const Footprint& before, const Footprint& after) {
   char text[256];
   std::snprintf(text, sizeof text,
-                "%s: descriptors %zu -> %zu, threads %zu -> %zu, heap %zu -> %zu bytes, resident %zu -> %zu KiB", what,
-                before.descriptors, after.descriptors, before.threads, after.threads, before.heapBytes, after.heapBytes,
-                before.residentBytes / 1024, after.residentBytes / 1024);
+                "%s: descriptors %zu -> %zu, threads %zu -> %zu, heap %zu -> %zu bytes, resident "
+                "%zu -> %zu KiB",
+                what, before.descriptors, after.descriptors, before.threads, after.threads,
+                before.heapBytes, after.heapBytes, before.residentBytes / 1024,
+                after.residentBytes / 1024);
   return text;
 }
 
@@ -71,7 +74,8 @@ protected:
     tavtest::PollUntil(5s, [&] {
       after = Measure();
       return simulator.ConnectionCount() == 0 && after.descriptors == before.descriptors &&
-             after.threads == before.threads && after.heapBytes <= before.heapBytes + kHeapSlackBytes;
+             after.threads == before.threads &&
+             after.heapBytes <= before.heapBytes + kHeapSlackBytes;
     });
     const std::string figures = Describe(what, before, after);
     std::printf("%s\n", figures.c_str());
