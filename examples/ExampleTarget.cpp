@@ -33,37 +33,37 @@ tavsim::ServerOptions SimulatorOptions() {
 ExampleTarget::ExampleTarget(int argc, char** argv) {
   if (argc == 1) {
     try {
-      simulator_ = std::make_unique<tavsim::SimulatorServer>(SimulatorOptions());
+      simulator = std::make_unique<tavsim::SimulatorServer>(SimulatorOptions());
     } catch (const std::exception& error) {
       std::fprintf(stderr, "cannot start the simulator: %s\n", error.what());
       std::exit(1);
     }
-    host_ = simulator_->Host();
-    port_ = static_cast<short>(simulator_->Port());
+    host = simulator->Host();
+    port = static_cast<short>(simulator->Port());
     return;
   }
   char* end = nullptr;
-  const long port = argc == 3 ? std::strtol(argv[2], &end, 10) : 0;
-  if (argc != 3 || *end != '\0' || port <= 0 || port > 65535) {
+  const long given = argc == 3 ? std::strtol(argv[2], &end, 10) : 0;
+  if (argc != 3 || *end != '\0' || given <= 0 || given > 65535) {
     std::fprintf(stderr,
                  "Usage: %s [HOST PORT]\n"
                  "With no arguments it starts a controller simulator in its own process.\n",
                  argv[0]);
     std::exit(2);
   }
-  host_ = argv[1];
+  host = argv[1];
   // The library takes the port as a short: ports above 32767 travel as their bit pattern.
-  port_ = static_cast<short>(port);
+  port = static_cast<short>(given);
 }
 
 ExampleTarget::~ExampleTarget() = default;
 
 std::string ExampleTarget::ViewAddress() const {
-  const std::optional<std::uint16_t> port = simulator_ ? simulator_->ViewPort() : std::nullopt;
-  return port ? "http://" + host_ + ":" + std::to_string(*port) + "/" : "";
+  const std::optional<std::uint16_t> view = simulator ? simulator->ViewPort() : std::nullopt;
+  return view ? "http://" + host + ":" + std::to_string(*view) + "/" : "";
 }
 
 std::string ExampleTarget::Describe() const {
-  const std::string address = host_ + ":" + std::to_string(static_cast<unsigned short>(port_));
+  const std::string address = host + ":" + std::to_string(static_cast<unsigned short>(port));
   return Simulated() ? "the simulator in this process, " + address : "the controller at " + address;
 }

@@ -18,20 +18,20 @@ public:
   ExampleTarget(int argc, char** argv);
   ~ExampleTarget();
 
-  const char* Host() const { return host_.c_str(); }
-  short Port() const { return port_; }
-  bool Simulated() const { return simulator_ != nullptr; }
+  const char* Host() const { return host.c_str(); }
+  short Port() const { return port; }
+  bool Simulated() const { return simulator != nullptr; }
   // "the simulator in this process, 127.0.0.1:40123" or "the controller at HOST:PORT".
   std::string Describe() const;
   // "http://127.0.0.1:PORT/" when the simulator serves its live view, else empty.
   std::string ViewAddress() const;
   // The simulator started for this example; null when talking to a real controller.
-  tavsim::SimulatorServer* Simulator() const { return simulator_.get(); }
+  tavsim::SimulatorServer* Simulator() const { return simulator.get(); }
 
 private:
-  std::unique_ptr<tavsim::SimulatorServer> simulator_;
-  std::string host_;
-  short port_ = 0;
+  std::unique_ptr<tavsim::SimulatorServer> simulator;
+  std::string host;
+  short port = 0;
 };
 
 #endif

@@ -45,11 +45,11 @@ public:
   bool Run(const std::string& title, Step step) {
     std::string label = title + " ";
     label.resize(std::max<std::size_t>(label.size(), 44), '.');
-    std::printf("%2d. %s ", ++number_, label.c_str());
+    std::printf("%2d. %s ", ++number, label.c_str());
     std::fflush(stdout);
     const auto start = Clock::now();
     const Outcome outcome = step();
-    const double seconds = SecondsSince(start);
+    const double seconds = _secondsSince(start);
     std::string result = "ok";
     if (outcome.code != 0) {
       result = "FAILED, code " + std::to_string(outcome.code) + " (" +
@@ -65,16 +65,16 @@ public:
     return outcome.code == 0;
   }
 
-  double Seconds() const { return SecondsSince(begin_); }
+  double Seconds() const { return _secondsSince(begin); }
 
 private:
   using Clock = std::chrono::steady_clock;
-  static double SecondsSince(Clock::time_point start) {
+  static double _secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
   }
 
-  int number_ = 0;
-  Clock::time_point begin_ = Clock::now();
+  int number = 0;
+  Clock::time_point begin = Clock::now();
 };
 
 std::string Joints(const std::vector<double>& angles) {
@@ -101,133 +101,131 @@ double Difference(const _Pose& a, const _Pose& b) {
 // The steps of the tour, sharing one session and what earlier steps read.
 class RobotTour {
 public:
-  explicit RobotTour(const ExampleTarget& target) : target_(target) {}
+  explicit RobotTour(const ExampleTarget& where) : target(where) {}
 
   bool Run() {
     const bool completed =
-        tour_.Run("log in", [this] { return LogIn(); }) &&
-        tour_.Run("set up the robot (can0, canopen)", [this] { return SetUp(); }) &&
-        tour_.Run("read the joints", [this] { return ReadJoints(); }) &&
-        tour_.Run("joint move by 15 deg and wait", [this] { return MoveJoints(); }) &&
-        tour_.Run("read the tool pose", [this] { return ReadPose(); }) &&
-        tour_.Run("forward kinematics of the joints", [this] { return Forward(); }) &&
-        tour_.Run("inverse of the pose 5 cm higher", [this] { return InverseRoundTrip(); }) &&
-        tour_.Run("linear path up, across, down", [this] { return LinearPath(); }) &&
-        tour_.Run("set output 1, read input 1", [this] { return OutputAndInput(); }) &&
-        tour_.Run("gripper: close, then open", [this] { return Gripper(); });
-    const bool loggedOut = tour_.Run("log out", [this] {
-      return Outcome{robot_.RobotLogout(), ""};
-    });
+        tour.Run("log in", [this] { return _logIn(); }) &&
+        tour.Run("set up the robot (can0, canopen)", [this] { return _setUp(); }) &&
+        tour.Run("read the joints", [this] { return _readJoints(); }) &&
+        tour.Run("joint move by 15 deg and wait", [this] { return _moveJoints(); }) &&
+        tour.Run("read the tool pose", [this] { return _readPose(); }) &&
+        tour.Run("forward kinematics of the joints", [this] { return _forward(); }) &&
+        tour.Run("inverse of the pose 5 cm higher", [this] { return _inverseRoundTrip(); }) &&
+        tour.Run("linear path up, across, down", [this] { return _linearPath(); }) &&
+        tour.Run("set output 1, read input 1", [this] { return _outputAndInput(); }) &&
+        tour.Run("gripper: close, then open", [this] { return _gripper(); });
+    const bool loggedOut = tour.Run("log out", [this] { return Outcome{robot.RobotLogout(), ""}; });
     std::printf("tour %s in %.1f s\n", completed && loggedOut ? "finished" : "stopped",
-                tour_.Seconds());
+                tour.Seconds());
     return completed && loggedOut;
   }
 
 private:
-  Outcome LogIn() { return {robot_.RobotLogin(target_.Host(), target_.Port()), ""}; }
+  Outcome _logIn() { return {robot.RobotLogin(target.Host(), target.Port()), ""}; }
 
-  Outcome SetUp() {
+  Outcome _setUp() {
     const Setup_Param channel{"can0", "can", "canopen", 1, 500000};
     const int code =
-        robot_.Setup("arm", channel, target_.Simulated() ? Setup_Mode::Virtual : Setup_Mode::Real);
+        robot.Setup("arm", channel, target.Simulated() ? Setup_Mode::Virtual : Setup_Mode::Real);
     int ids[10] = {};
-    robot_.get_motor_ids(motorCount_, ids);
+    robot.get_motor_ids(motorCount, ids);
     std::string detail = "motors";
-    for (std::size_t i = 0; i < motorCount_; ++i) {
+    for (std::size_t i = 0; i < motorCount; ++i) {
       detail += " " + std::to_string(ids[i]);
     }
     return {code, detail};
   }
 
-  Outcome ReadJoints() {
-    angles_.assign(std::max<std::size_t>(motorCount_, 1), 0.0);
-    const int code = robot_.get_angles(angles_.data());
-    return {code, Joints(angles_)};
+  Outcome _readJoints() {
+    angles.assign(std::max<std::size_t>(motorCount, 1), 0.0);
+    const int code = robot.get_angles(angles.data());
+    return {code, Joints(angles)};
   }
 
-  Outcome MoveJoints() {
+  Outcome _moveJoints() {
     std::vector<int> ids;
-    std::vector<double> targets = angles_;
-    for (std::size_t i = 0; i < angles_.size(); ++i) {
+    std::vector<double> targets = angles;
+    for (std::size_t i = 0; i < angles.size(); ++i) {
       ids.push_back(static_cast<int>(i) + 1);
       targets[i] += i % 2 == 0 ? 15.0 : -15.0;
     }
-    int code = robot_.move_to_angles(ids.size(), ids.data(), targets.data(), 30.0f, 60.0f,
-                                     Relative_Mode::Absolute);
+    int code = robot.move_to_angles(ids.size(), ids.data(), targets.data(), 30.0f, 60.0f,
+                                    Relative_Mode::Absolute);
     if (code == 0) {
-      code = robot_.wait_for_motors();
+      code = robot.wait_for_motors();
     }
     if (code == 0) {
-      code = robot_.get_angles(angles_.data());
+      code = robot.get_angles(angles.data());
     }
-    return {code, "now at " + Joints(angles_)};
+    return {code, "now at " + Joints(angles)};
   }
 
-  Outcome ReadPose() { return {robot_.get_pose(pose_), Describe(pose_)}; }
+  Outcome _readPose() { return {robot.get_pose(pose), Describe(pose)}; }
 
-  Outcome Forward() {
+  Outcome _forward() {
     _Pose computed;
-    const int code = robot_.forward(angles_.data(), computed);
-    return {code, "gives the pose read above, difference " + Small(Difference(computed, pose_))};
+    const int code = robot.forward(angles.data(), computed);
+    return {code, "gives the pose read above, difference " + Small(Difference(computed, pose))};
   }
 
-  Outcome InverseRoundTrip() {
-    _Pose higher = pose_;
+  Outcome _inverseRoundTrip() {
+    _Pose higher = pose;
     higher.z += 0.05;
-    std::vector<double> solution(angles_.size() + 4, 0.0);
-    int code = robot_.inverse(higher, solution.data());
+    std::vector<double> solution(angles.size() + 4, 0.0);
+    int code = robot.inverse(higher, solution.data());
     _Pose back;
     if (code == 0) {
-      code = robot_.forward(solution.data(), back);
+      code = robot.forward(solution.data(), back);
     }
-    solution.resize(angles_.size());
+    solution.resize(angles.size());
     return {code, Joints(solution) +
                       "; their forward kinematics gives that pose back, difference " +
                       Small(Difference(back, higher))};
   }
 
-  Outcome LinearPath() {
-    _Pose points[3] = {pose_, pose_, pose_};
+  Outcome _linearPath() {
+    _Pose points[3] = {pose, pose, pose};
     points[0].z += 0.05;
     points[1].z += 0.05;
     points[1].y += 0.05;
     points[2].y += 0.05;
     const double radius[3] = {0.0, 0.0, 0.0};
-    int code = robot_.moveL(3, points, radius, 0.1f, 0.4f, 0.0f, Traj_Close_Mode::Open);
+    int code = robot.moveL(3, points, radius, 0.1f, 0.4f, 0.0f, Traj_Close_Mode::Open);
     if (code == 0) {
-      code = robot_.wait_for_motors();
+      code = robot.wait_for_motors();
     }
     _Pose reached;
     if (code == 0) {
-      code = robot_.get_pose(reached);
+      code = robot.get_pose(reached);
     }
     return {code, "the tool ended at the last point, difference " +
                       Small(Difference(reached, points[2]))};
   }
 
-  Outcome OutputAndInput() {
+  Outcome _outputAndInput() {
     int level = -1;
-    int code = robot_.set_output(1, 1);
+    int code = robot.set_output(1, 1);
     if (code == 0) {
-      code = robot_.get_input(1, level);
+      code = robot.get_input(1, level);
     }
     return {code, "input 1 reads " + std::to_string(level)};
   }
 
-  Outcome Gripper() {
-    int code = robot_.set_EOAT_action("gripper", "close");
+  Outcome _gripper() {
+    int code = robot.set_EOAT_action("gripper", "close");
     if (code == 0) {
-      code = robot_.set_EOAT_action("gripper", "open");
+      code = robot.set_EOAT_action("gripper", "open");
     }
     return {code, ""};
   }
 
-  const ExampleTarget& target_;
-  Robot robot_;
-  Tour tour_;
-  std::size_t motorCount_ = 0;
-  std::vector<double> angles_;
-  _Pose pose_;
+  const ExampleTarget& target;
+  Robot robot;
+  Tour tour;
+  std::size_t motorCount = 0;
+  std::vector<double> angles;
+  _Pose pose;
 };
 
 // With the live view on and someone at the terminal, waits for Enter, so that they can watch.

@@ -25,7 +25,7 @@ SimulatorProcess::SimulatorProcess(const std::string& program,
   int pipeEnds[2];
   if (::pipe2(pipeEnds, O_CLOEXEC) != 0)
     throw std::runtime_error("pipe2: " + std::string(std::strerror(errno)));
-  output_.Reset(pipeEnds[0]);
+  output.Reset(pipeEnds[0]);
   const tavsim::UniqueFd childEnd(pipeEnds[1]);
 
   std::vector<std::string> words{program};
@@ -38,56 +38,57 @@ SimulatorProcess::SimulatorProcess(const std::string& program,
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
   ::posix_spawn_file_actions_adddup2(&actions, childEnd.Get(), STDOUT_FILENO);
-  const int spawned =
-      ::posix_spawn(&pid_, program.c_str(), &actions, nullptr, argv.data(), environ);
+  const int spawned = ::posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ);
   ::posix_spawn_file_actions_destroy(&actions);
   if (spawned != 0) {
-    pid_ = -1;
+    pid = -1;
     throw std::runtime_error("cannot start " + program + ": " + std::strerror(spawned));
   }
 
   const std::regex listening("listening on 127\\.0\\.0\\.1:([0-9]+) ");
-  std::smatch port;
+  std::smatch found;
   if (!WaitForOutput("(Ctrl-C stops it)\n", kStartWait) ||
-      !std::regex_search(printed_, port, listening)) {
+      !std::regex_search(printed, found, listening)) {
     Kill();
-    throw std::runtime_error(program + " printed no port: " + printed_);
+    throw std::runtime_error(program + " printed no port: " + printed);
   }
-  port_ = static_cast<std::uint16_t>(std::stoi(port[1]));
+  port = static_cast<std::uint16_t>(std::stoi(found[1]));
 }
 
 SimulatorProcess::~SimulatorProcess() { Kill(); }
 
 bool SimulatorProcess::WaitForOutput(const std::string& text, std::chrono::milliseconds wait) {
   const auto deadline = std::chrono::steady_clock::now() + wait;
-  while (printed_.find(text) == std::string::npos) {
+  while (printed.find(text) == std::string::npos) {
     using std::chrono::milliseconds;
     const auto left =
         std::chrono::duration_cast<milliseconds>(deadline - std::chrono::steady_clock::now());
-    pollfd readable{output_.Get(), POLLIN, 0};
+    pollfd readable{output.Get(), POLLIN, 0};
     if (left.count() <= 0 || ::poll(&readable, 1, static_cast<int>(left.count())) <= 0)
       return false;
     char chunk[512];
-    const ssize_t got = ::read(output_.Get(), chunk, sizeof chunk);
+    const ssize_t got = ::read(output.Get(), chunk, sizeof chunk);
     if (got <= 0)
       return false;  // the program has ended
-    printed_.append(chunk, static_cast<std::size_t>(got));
+    printed.append(chunk, static_cast<std::size_t>(got));
   }
   return true;
 }
 
 void SimulatorProcess::Signal(int number) {
-  if (pid_ > 0)
-    ::kill(pid_, number);
+  if (pid > 0) {
+    ::kill(pid, number);
+  }
 }
 
 void SimulatorProcess::Kill() {
-  if (pid_ <= 0)
+  if (pid <= 0) {
     return;
-  ::kill(pid_, SIGKILL);
-  while (::waitpid(pid_, nullptr, 0) < 0 && errno == EINTR) {
   }
-  pid_ = -1;
+  ::kill(pid, SIGKILL);
+  while (::waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+  }
+  pid = -1;
 }
 
 }  // namespace tavtest

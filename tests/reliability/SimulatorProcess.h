@@ -24,7 +24,7 @@ public:
   SimulatorProcess(const SimulatorProcess&) = delete;
   SimulatorProcess& operator=(const SimulatorProcess&) = delete;
 
-  std::uint16_t Port() const { return port_; }
+  std::uint16_t Port() const { return port; }
   // Waits until the program has printed `text`; false when it has not within `wait`.
   bool WaitForOutput(const std::string& text, std::chrono::milliseconds wait);
   // SIGKILL, as an out-of-memory killer or a power cut ends a controller; reaps the child.
@@ -33,10 +33,10 @@ public:
   void Signal(int number);
 
 private:
-  pid_t pid_ = -1;
-  tavsim::UniqueFd output_;
-  std::string printed_;
-  std::uint16_t port_ = 0;
+  pid_t pid = -1;
+  tavsim::UniqueFd output;
+  std::string printed;
+  std::uint16_t port = 0;
 };
 
 }  // namespace tavtest

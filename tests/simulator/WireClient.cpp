@@ -15,7 +15,7 @@ using ::testing::AssertionFailure;
 using ::testing::AssertionResult;
 using ::testing::AssertionSuccess;
 
-WireClient::WireClient(std::uint16_t port) : connection_(tavsim::ConnectLoopback(port)) {}
+WireClient::WireClient(std::uint16_t port) : connection(tavsim::ConnectLoopback(port)) {}
 
 bool WireClient::SendHeart() {
   Message none;
@@ -25,7 +25,7 @@ bool WireClient::SendHeart() {
 }
 
 std::string WireClient::SendCommand(const std::string& name, Message parameters) {
-  const std::string timestamp = std::to_string(nextTimestamp_++);
+  const std::string timestamp = std::to_string(nextTimestamp++);
   parameters["timestamp"] = timestamp;
   parameters["ClientID"] = "127.0.0.1";
   parameters["function_name"] = name;
@@ -59,12 +59,11 @@ AssertionResult WireClient::HeartAnswered() {
 }
 
 AssertionResult WireClient::Next(std::string& text, std::chrono::milliseconds wait) {
-  std::optional<std::string> message = connection_.ReadMessage(wait);
+  std::optional<std::string> message = connection.ReadMessage(wait);
   if (!message) {
     return AssertionFailure() << "no message within " << wait.count() << " ms"
-                              << (connection_.PeerClosed()
-                                      ? " (the simulator closed the connection)"
-                                      : "");
+                              << (connection.PeerClosed() ? " (the simulator closed the connection)"
+                                                          : "");
   }
   text = *message;
   return AssertionSuccess();
@@ -87,10 +86,10 @@ AssertionResult WireClient::NextIs(const std::string& identifier, Message& decod
 }
 
 std::string WireClient::Peek() {
-  pollfd readable{connection_.NativeHandle(), POLLIN, 0};
+  pollfd readable{connection.NativeHandle(), POLLIN, 0};
   char bytes[512] = {};
   if (::poll(&readable, 1, static_cast<int>(kWait.count())) != 1 ||
-      ::recv(connection_.NativeHandle(), bytes, sizeof bytes - 1, MSG_PEEK) <= 0) {
+      ::recv(connection.NativeHandle(), bytes, sizeof bytes - 1, MSG_PEEK) <= 0) {
     ADD_FAILURE() << "nothing arrived";
   }
   return bytes;
@@ -108,7 +107,7 @@ AssertionResult WireClient::ClosedByPeer(std::chrono::milliseconds wait) {
   if (AssertionResult silent = Silent(wait); !silent) {
     return silent;
   }
-  if (!connection_.PeerClosed()) {
+  if (!connection.PeerClosed()) {
     return AssertionFailure() << "the connection is still open after " << wait.count() << " ms";
   }
   return AssertionSuccess();

@@ -23,9 +23,9 @@ public:
 
   explicit WireClient(std::uint16_t port);
 
-  bool Connected() const { return connection_.IsOpen(); }
+  bool Connected() const { return connection.IsOpen(); }
 
-  bool SendRaw(const std::string& bytes) { return connection_.Write(bytes); }
+  bool SendRaw(const std::string& bytes) { return connection.Write(bytes); }
   bool SendHeart();
   // Sends command `name` with `parameters`; returns the time stamp it carries.
   std::string SendCommand(const std::string& name, Message parameters = {});
@@ -50,8 +50,8 @@ public:
   ::testing::AssertionResult ClosedByPeer(std::chrono::milliseconds wait = kWait);
 
 private:
-  tavsim::Connection connection_;
-  int nextTimestamp_ = 1;
+  tavsim::Connection connection;
+  int nextTimestamp = 1;
 };
 
 // Parser::unwrap of one inbound text: its status, and the decoded map in `decoded`. An
