@@ -22,8 +22,9 @@ void HandOff(benchmark::State& state) {
     std::unique_lock<std::mutex> lock(mutex);
     for (;;) {
       changed.wait(lock, [&] { return peersTurn || stopping; });
-      if (stopping)
+      if (stopping) {
         return;
+      }
       peersTurn = false;
       changed.notify_all();
     }

@@ -22,8 +22,9 @@ void MeasureCpu(benchmark::State& state, Wait wait) {
   for (auto _ : state) {
     const double cpuBefore = ProcessMeter::CpuSeconds();
     const auto start = std::chrono::steady_clock::now();
-    if (wait() != 0)
+    if (wait() != 0) {
       state.SkipWithError("the call failed");
+    }
     const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
     state.counters["core_share"] = (ProcessMeter::CpuSeconds() - cpuBefore) / wall.count();
   }

@@ -22,8 +22,9 @@ void Latency::Fail(int code) {
 }
 
 void Latency::Report() {
-  if (samples.empty())
+  if (samples.empty()) {
     return;
+  }
   std::sort(samples.begin(), samples.end());
   const std::size_t last = samples.size() - 1;
   state.counters["median_us"] = Microseconds(samples[last / 2]);

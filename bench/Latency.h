@@ -20,8 +20,9 @@ public:
     const auto start = std::chrono::steady_clock::now();
     const int code = call();
     samples.push_back(std::chrono::steady_clock::now() - start);
-    if (code != 0)
+    if (code != 0) {
       Fail(code);
+    }
   }
 
   // Sets the counters; call once after the loop.

@@ -25,8 +25,9 @@ fs::path LogFile() {
   std::error_code error;
   for (const auto& entry :
        fs::directory_iterator(fs::path(home != nullptr ? home : "") / "TavClient/log", error)) {
-    if (entry.path().extension() == ".log")
+    if (entry.path().extension() == ".log") {
       return entry.path();
+    }
   }
   return {};
 }
@@ -45,8 +46,9 @@ std::uintmax_t SettledSize() {
   for (;;) {
     std::this_thread::sleep_for(kQuietPeriod);
     const std::uintmax_t now = SizeOf(log);
-    if (now == size)
+    if (now == size) {
       return size;
+    }
     size = now;
   }
 }

@@ -15,8 +15,9 @@ constexpr int kCalls = 100000;
 bool Calls(int count) {
   double angle = 0;
   for (int i = 0; i < count; ++i) {
-    if (Pool::RobotAt(0).get_angles(1, angle) != 0)
+    if (Pool::RobotAt(0).get_angles(1, angle) != 0) {
       return false;
+    }
   }
   return true;
 }
@@ -31,8 +32,9 @@ void Memory(benchmark::State& state) {
   const std::size_t heap = ProcessMeter::HeapInUse();
   const std::size_t resident = ProcessMeter::ResidentBytes();
   for (auto _ : state) {
-    if (!Calls(kCalls))
+    if (!Calls(kCalls)) {
       state.SkipWithError("get_angles failed");
+    }
   }
   LogWatch::SettledSize();
   state.counters["heap_growth_bytes"] = Growth(heap, ProcessMeter::HeapInUse());

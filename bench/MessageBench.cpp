@@ -36,8 +36,9 @@ void UnwrapReply(benchmark::State& state) {
   Parser parser;
   for (auto _ : state) {
     std::map<std::string, std::string> result;
-    if (parser.unwrap(result, text) != 0)
+    if (parser.unwrap(result, text) != 0) {
       state.SkipWithError("the reply did not decode");
+    }
     benchmark::DoNotOptimize(result.size());
   }
 }
@@ -46,8 +47,9 @@ void LogPerCall(benchmark::State& state) {
   const std::uintmax_t before = LogWatch::SettledSize();
   double angle = 0;
   for (auto _ : state) {
-    if (Pool::RobotAt(0).get_angles(1, angle) != 0)
+    if (Pool::RobotAt(0).get_angles(1, angle) != 0) {
       state.SkipWithError("get_angles failed");
+    }
   }
   const std::uintmax_t after = LogWatch::SettledSize();
   const auto calls = static_cast<double>(state.iterations());

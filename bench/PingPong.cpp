@@ -22,8 +22,9 @@ bool ReceiveAll(int socket, std::string& buffer, std::size_t count) {
   std::size_t received = 0;
   while (received < count) {
     const ssize_t read = ::recv(socket, buffer.data() + received, count - received, 0);
-    if (read <= 0)
+    if (read <= 0) {
       return false;
+    }
     received += static_cast<std::size_t>(read);
   }
   return true;
@@ -38,8 +39,9 @@ PingPong::PingPong(std::size_t requestBytes, std::size_t replyBytes)
   tavsim::LoopbackListener listener;
   client = tavsim::ConnectLoopback(listener.Port());
   server = listener.Accept(std::chrono::seconds(5));
-  if (!client.Valid() || !server)
+  if (!client.Valid() || !server) {
     throw std::runtime_error("ping-pong connection failed");
+  }
   peer = std::thread(&PingPong::Serve, this);
 }
 

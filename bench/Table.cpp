@@ -41,8 +41,9 @@ std::string Fixed(double value, int decimals, bool withSign = false) {
 // Thousands separated by commas: 12,345.
 std::string Count(double value) {
   std::string digits = Fixed(value, 0);
-  for (auto at = static_cast<std::ptrdiff_t>(digits.size()) - 3; at > 0; at -= 3)
+  for (auto at = static_cast<std::ptrdiff_t>(digits.size()) - 3; at > 0; at -= 3) {
     digits.insert(static_cast<std::size_t>(at), ",");
+  }
   return digits;
 }
 
@@ -66,8 +67,9 @@ bool Table::ReportContext(const Context& context) {
 // arrives on its own and is kept to show why.
 void Table::ReportRuns(const std::vector<Run>& reports) {
   for (const Run& run : reports) {
-    if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median")
+    if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median") {
       continue;
+    }
     runs[Key(run.run_name.function_name, static_cast<int>(run.threads))] = run;
     std::fprintf(stderr, "%s %s\n",
                  run.error_occurred ? "failed:" : "done:", run.benchmark_name().c_str());

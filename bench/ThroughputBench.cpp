@@ -16,8 +16,9 @@ void Calls(benchmark::State& state) {
   double angle = 0;
   const double cpuBefore = ProcessMeter::CpuSeconds();
   for (auto _ : state) {
-    if (robot.get_angles(1, angle) != 0)
+    if (robot.get_angles(1, angle) != 0) {
       state.SkipWithError("get_angles failed");
+    }
   }
   state.SetItemsProcessed(state.iterations());
   if (state.thread_index() == 0) {

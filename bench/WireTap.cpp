@@ -24,12 +24,14 @@ constexpr std::chrono::seconds kWait{5};
 void Relay(tavsim::LoopbackListener& listener, std::uint16_t simulatorPort, WireExchange& last) {
   std::optional<tavsim::Connection> robotSide = listener.Accept(kWait);
   tavsim::Connection simulatorSide(tavsim::ConnectLoopback(simulatorPort));
-  if (!robotSide)
+  if (!robotSide) {
     return;
+  }
   while (std::optional<std::string> request = robotSide->ReadMessage(kWait)) {
     std::optional<std::string> reply;
-    if (!simulatorSide.Write(*request) || !(reply = simulatorSide.ReadMessage(kWait)))
+    if (!simulatorSide.Write(*request) || !(reply = simulatorSide.ReadMessage(kWait))) {
       return;
+    }
     robotSide->Write(*reply);
     last = {*request, *reply};
   }
@@ -46,17 +48,20 @@ WireExchange Capture() {
     Robot robot;
     double angle = 0;
     Pool::Prepare(robot, listener.Port());
-    if (const int code = robot.get_angles(1, angle))
+    if (const int code = robot.get_angles(1, angle)) {
       failure = "get_angles failed with " + std::to_string(code);
+    }
     robot.RobotLogout();
   } catch (const std::exception& error) {
     failure = error.what();
   }
   relay.join();  // the logout closed the Robot's side, which ends the relay
-  if (failure.empty() && last.request.find("get_angles") == std::string::npos)
+  if (failure.empty() && last.request.find("get_angles") == std::string::npos) {
     failure = "nothing relayed";
-  if (!failure.empty())
+  }
+  if (!failure.empty()) {
     throw std::runtime_error("capturing a get_angles exchange: " + failure);
+  }
   return last;
 }
 

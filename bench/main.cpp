@@ -10,8 +10,9 @@
 
 int main(int argc, char** argv) {
   std::string home = (std::filesystem::temp_directory_path() / "tavclient-bench-XXXXXX").string();
-  if (::mkdtemp(home.data()) == nullptr || ::setenv("HOME", home.c_str(), 1) != 0)
+  if (::mkdtemp(home.data()) == nullptr || ::setenv("HOME", home.c_str(), 1) != 0) {
     return 1;
+  }
   benchmark::Initialize(&argc, argv);
   bench::Table table;
   benchmark::RunSpecifiedBenchmarks(&table);

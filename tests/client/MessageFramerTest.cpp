@@ -13,8 +13,9 @@ std::vector<std::string> Feed(MessageFramer& framer, const std::string& bytes, s
   for (std::size_t at = 0; at < bytes.size(); at += chunk) {
     framer.Append(bytes.data() + at, std::min(chunk, bytes.size() - at));
     std::string message;
-    while (framer.Next(message) == RobotEvents::kSuccess)
+    while (framer.Next(message) == RobotEvents::kSuccess) {
       messages.push_back(message);
+    }
   }
   return messages;
 }

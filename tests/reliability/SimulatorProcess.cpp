@@ -23,16 +23,18 @@ constexpr std::chrono::seconds kStartWait{10};
 SimulatorProcess::SimulatorProcess(const std::string& program,
                                    const std::vector<std::string>& options) {
   int pipeEnds[2];
-  if (::pipe2(pipeEnds, O_CLOEXEC) != 0)
+  if (::pipe2(pipeEnds, O_CLOEXEC) != 0) {
     throw std::runtime_error("pipe2: " + std::string(std::strerror(errno)));
+  }
   output.Reset(pipeEnds[0]);
   const tavsim::UniqueFd childEnd(pipeEnds[1]);
 
   std::vector<std::string> words{program};
   words.insert(words.end(), options.begin(), options.end());
   std::vector<char*> argv;
-  for (std::string& word : words)
+  for (std::string& word : words) {
     argv.push_back(word.data());
+  }
   argv.push_back(nullptr);
 
   posix_spawn_file_actions_t actions;
@@ -64,12 +66,14 @@ bool SimulatorProcess::WaitForOutput(const std::string& text, std::chrono::milli
     const auto left =
         std::chrono::duration_cast<milliseconds>(deadline - std::chrono::steady_clock::now());
     pollfd readable{output.Get(), POLLIN, 0};
-    if (left.count() <= 0 || ::poll(&readable, 1, static_cast<int>(left.count())) <= 0)
+    if (left.count() <= 0 || ::poll(&readable, 1, static_cast<int>(left.count())) <= 0) {
       return false;
+    }
     char chunk[512];
     const ssize_t got = ::read(output.Get(), chunk, sizeof chunk);
-    if (got <= 0)
+    if (got <= 0) {
       return false;  // the program has ended
+    }
     printed.append(chunk, static_cast<std::size_t>(got));
   }
   return true;

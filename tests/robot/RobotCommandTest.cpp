@@ -184,8 +184,9 @@ TEST(RobotArgumentTest, NullPointersAreRefusedWithACode) {
       {"to_PointString", [&] { return r.to_PointString(1, nullptr, out); }},
   };
   EXPECT_EQ(r.RobotLogin(nullptr, 1), RobotEvents::kSocketSetupFailed);
-  for (const auto& [name, call] : calls)
+  for (const auto& [name, call] : calls) {
     EXPECT_EQ(call(), RobotEvents::kInvalidArgument) << name;
+  }
   EXPECT_EQ(r.to_IdString(0, nullptr, out), 0);
   EXPECT_EQ(out, "[]");
 }

@@ -40,8 +40,9 @@ TEST_F(RobotQueryTest, ALongReplyNeverOverrunsTheCallersArray) {
   Ask([&] { return robot.inverse(_Pose{}, joints.get()); }, "inverse", "[1,2,3,4,5,6,7]");
   EXPECT_EQ(joints[5], 6.0);
   std::string many = "[0";
-  for (int i = 1; i < 4000; ++i)
+  for (int i = 1; i < 4000; ++i) {
     many += "," + std::to_string(i % 10);
+  }
   many += "]";
   auto none = std::make_unique<int[]>(1);
   none[0] = -1;
