@@ -63,6 +63,21 @@ TEST(ArmKinematics, EveryBranchReachesTheTargetAndTheNearestIsChosen) {
   }
 }
 
+TEST(ArmKinematics, WristSingularPosesAreSolvedWithJoint6KeptAtTheHint) {
+  ArmKinematics arm = ArmKinematics::Ur5();
+  std::mt19937 rng(11);
+  for (int trial = 0; trial < 250; ++trial) {
+    ArmKinematics::Joints joints = randomJoints(rng);
+    joints[4] = trial % 2 == 0 ? 0.0 : kPi;
+    const Transform target = arm.Forward(joints);
+    const auto solved = arm.NearestSolution(target, randomJoints(rng), 2 * kPi);
+    ASSERT_TRUE(solved.has_value()) << "trial " << trial;
+    EXPECT_LT(transformError(arm.Forward(*solved), target), 1e-6);
+    EXPECT_NEAR((*arm.NearestSolution(target, joints, 2 * kPi))[5], joints[5], 1e-12)
+        << "the hint can be kept";
+  }
+}
+
 TEST(ArmKinematics, OutOfReachPosesHaveNoSolution) {
   ArmKinematics arm = ArmKinematics::Ur5();
   ArmKinematics::Joints current{};
