@@ -43,5 +43,10 @@ if(TARGET tavsim)
   set(CPACK_DEBIAN_SIMULATOR_PACKAGE_SECTION misc)
   set(CPACK_COMPONENT_SIMULATOR_DESCRIPTION "Simulated robot-arm controller for the tavclient library")
 endif()
+if(TARGET tavsim_view)
+  # The live view's page loads three.js from the system; without it the page shows no 3D.
+  set(CPACK_DEBIAN_SIMULATOR_PACKAGE_RECOMMENDS libjs-three)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS libjs-three)
+endif()
 
 include(CPack)

@@ -9,7 +9,8 @@ class SimulatorServer;
 }
 
 // Where an example connects: the controller named on its command line ("HOST PORT"), or,
-// with no arguments, a controller simulator started inside the example's own process.
+// with no arguments, a controller simulator started inside the example's own process; with
+// TAVSIM_VIEW=PORT in the environment that simulator serves its live view on PORT.
 // Copying an example into an application, replace this with your controller's address.
 class ExampleTarget {
 public:
@@ -22,6 +23,8 @@ public:
   bool Simulated() const { return simulator_ != nullptr; }
   // "the simulator in this process, 127.0.0.1:40123" or "the controller at HOST:PORT".
   std::string Describe() const;
+  // "http://127.0.0.1:PORT/" when the simulator serves its live view, else empty.
+  std::string ViewAddress() const;
   // The simulator started for this example; null when talking to a real controller.
   tavsim::SimulatorServer* Simulator() const { return simulator_.get(); }
 

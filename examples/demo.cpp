@@ -1,12 +1,15 @@
 // A tour of the Robot API: log in, set up, move, read, compute, switch and log out, printing
 // each step and its result. With no arguments it runs against a controller simulator started
-// in this process; with HOST PORT against that controller (which then really moves).
+// in this process; with HOST PORT against that controller (which then really moves). With
+// TAVSIM_VIEW=PORT the simulator serves its live view: open it in a browser to watch the tour.
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <string>
 #include <vector>
+
+#include <unistd.h>
 
 #include <tavclient/Robot.h>
 
@@ -227,14 +230,29 @@ private:
   _Pose pose_;
 };
 
+// With the live view on and someone at the terminal, waits for Enter, so that they can watch.
+void PauseForViewer(const ExampleTarget& target, const char* prompt) {
+  if (!target.ViewAddress().empty() && isatty(STDIN_FILENO) == 1) {
+    std::printf("%s", prompt);
+    std::fflush(stdout);
+    std::getchar();
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   const ExampleTarget target(argc, argv);
   std::printf("tavclient demo: a tour of the Robot API against %s\n", target.Describe().c_str());
+  if (!target.ViewAddress().empty()) {
+    std::printf("Live view: %s\n", target.ViewAddress().c_str());
+  }
   if (!target.Simulated()) {
     std::printf("The arm will move: joints by 15 degrees, the tool by 5 cm.\n");
   }
   std::fflush(stdout);
-  return RobotTour(target).Run() ? 0 : 1;
+  PauseForViewer(target, "Open it, then press Enter to start the tour. ");
+  const bool finished = RobotTour(target).Run();
+  PauseForViewer(target, "Press Enter to stop the simulator. ");
+  return finished ? 0 : 1;
 }

@@ -12,21 +12,21 @@
 
 namespace {
 
-bool contains(const std::string& text, const char* word) {
+bool Contains(const std::string& text, const char* word) {
   return text.find(word) != std::string::npos;
 }
 
 // The dispatcher picks the decoder by the first of these words the text contains.
-void checkAccepted(const std::string& text, const Parser::Message& result) {
+void CheckAccepted(const std::string& text, const Parser::Message& result) {
   const auto identifier = result.find("identifier");
   FUZZ_CHECK(identifier != result.end());
-  if (contains(text, "ConnResult")) {
+  if (Contains(text, "ConnResult")) {
     FUZZ_CHECK(identifier->second == "ConnResult");
     FUZZ_CHECK(result.size() == 2 && result.count("result") == 1);
-  } else if (contains(text, "Heart")) {
+  } else if (Contains(text, "Heart")) {
     FUZZ_CHECK(identifier->second == "heart");
     FUZZ_CHECK(result.size() == 1);
-  } else if (contains(text, "Error")) {
+  } else if (Contains(text, "Error")) {
     FUZZ_CHECK(identifier->second == "Error");
     FUZZ_CHECK(result.size() == 2 && result.count("errorcode") == 1);
   } else {
@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FUZZ_CHECK(text == original);
   FUZZ_CHECK(status == RobotEvents::kSuccess || status == RobotEvents::kDecodeFailed);
   if (status == RobotEvents::kSuccess) {
-    checkAccepted(text, result);
+    CheckAccepted(text, result);
   }
   return 0;
 }

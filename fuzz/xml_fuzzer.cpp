@@ -12,11 +12,11 @@
 
 namespace {
 
-void checkSubtree(const TavXmlElement& element) {
+void CheckSubtree(const TavXmlElement& element) {
   const std::string text = element.getText();
   for (const TavXmlElement& child : element.childrenView()) {
     FUZZ_CHECK(text.find(child.getText()) != std::string::npos);
-    checkSubtree(child);
+    CheckSubtree(child);
   }
 }
 
@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const TavXmlElement& root = document.rootView();
     FUZZ_CHECK(root.getName() == "root");
     FUZZ_CHECK(text.find(root.getText()) != std::string::npos);
-    checkSubtree(root);
+    CheckSubtree(root);
   }
   return 0;
 }

@@ -7,6 +7,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -71,9 +72,12 @@ private:
 // Owns the server; stopping joins its thread, which never needs the GIL.
 class Simulator {
 public:
-  Simulator(int port, int motors, const std::vector<std::string>& faults) {
+  Simulator(int port, int motors, const std::vector<std::string>& faults, std::optional<int> view) {
     if (port < 0 || port > 65535) {
       throw py::value_error("port: expected 0 to 65535, got " + std::to_string(port));
+    }
+    if (view && (*view < 0 || *view > 65535)) {
+      throw py::value_error("view: expected 0 to 65535, got " + std::to_string(*view));
     }
     if (motors < 1 || motors > static_cast<int>(tavsim::CommandLine::kMaxMotors)) {
       throw py::value_error("motors: expected 1 to " +
@@ -86,6 +90,9 @@ public:
     tavsim::ServerOptions options;
     options.port = static_cast<std::uint16_t>(port);
     options.controller.motorCount = static_cast<std::size_t>(motors);
+    if (view) {
+      options.view = static_cast<std::uint16_t>(*view);
+    }
     options.log = [log = activity](const std::string& line) { log->Add(line); };
     try {
       server = std::make_unique<tavsim::SimulatorServer>(options);
@@ -100,6 +107,7 @@ public:
   ~Simulator() { Stop(); }
 
   int Port() const { return server->Port(); }
+  std::optional<std::uint16_t> ViewPort() const { return server->ViewPort(); }
   const std::string& Host() const { return server->Host(); }
   void AddFault(const std::string& rule) { server->Faults().Add(ReadFault(rule)); }
   std::vector<std::string> Activity() const { return activity->All(); }
@@ -123,12 +131,16 @@ void BindSimulator(py::module_& module) {
   py::class_<Simulator>(module, "Simulator",
                         "A simulated controller served from this process on 127.0.0.1, until "
                         "stop() or the end of its with block.")
-      .def(py::init<int, int, const std::vector<std::string>&>(), "port"_a = 0, "motors"_a = 6,
-           "faults"_a = std::vector<std::string>(),
+      .def(py::init<int, int, const std::vector<std::string>&, std::optional<int>>(), "port"_a = 0,
+           "motors"_a = 6, "faults"_a = std::vector<std::string>(), "view"_a = py::none(),
            "port 0 lets the system pick; motors 1 to 10; faults are rules as the tavsim "
-           "program's --fault takes them, e.g. 'delay,on=get_angles,ms=500'.")
+           "program's --fault takes them, e.g. 'delay,on=get_angles,ms=500'; view, a port "
+           "(0: a free one), also serves the live view there over HTTP (RuntimeError in a "
+           "build without it).")
       .def_property_readonly("port", &Simulator::Port, "The TCP port it listens on.")
       .def_property_readonly("host", &Simulator::Host, "The address it listens on.")
+      .def_property_readonly("view_port", &Simulator::ViewPort,
+                             "The live view's port (http://host:view_port/), None without a view.")
       .def("add_fault", &Simulator::AddFault, "rule"_a,
            "Changes some replies from now on; a rule as --fault takes it.")
       .def_property_readonly("activity", &Simulator::Activity,

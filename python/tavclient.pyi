@@ -298,16 +298,23 @@ class Simulator:
     """A simulated controller (six-axis arm) served from this process on 127.0.0.1 until
     stop() or the end of its with block."""
 
-    def __init__(self, port: int = 0, motors: int = 6, faults: Sequence[str] = ()) -> None:
+    def __init__(
+        self, port: int = 0, motors: int = 6, faults: Sequence[str] = (), view: Optional[int] = None
+    ) -> None:
         """port 0 lets the system pick; motors 1 to 10; faults are rules as the tavsim
         program's --fault takes them: KIND[,on=NAME][,times=N|all][,after=N][,ms=N]
-        [,pieces=N][,text=TEXT], e.g. "delay,on=get_angles,ms=500"."""
+        [,pieces=N][,text=TEXT], e.g. "delay,on=get_angles,ms=500". view, a port (0: a free
+        one), also serves the live view there over HTTP: a page drawing the arm at /, its
+        state as JSON at /state (RuntimeError in a build without the view)."""
     @property
     def port(self) -> int:
         """The TCP port it listens on."""
     @property
     def host(self) -> str:
         """The address it listens on."""
+    @property
+    def view_port(self) -> Optional[int]:
+        """The live view's port (http://host:view_port/); None without a view."""
     @property
     def activity(self) -> list[str]:
         """The latest lines of what it did: connections, commands, faults applied."""

@@ -2,21 +2,25 @@
 # Installs, through apt, whatever a fresh Debian 12 machine lacks from a named set of packages,
 # or given package names, whatever of those is missing. Usage: install-deps.sh [SET|PACKAGE...]
 #   demo  what the demo needs: a compiler, CMake and make
-#   test  the demo set and everything the tests, fuzzers and benchmarks use (the default)
+#   view  what the simulator's live view needs: cpp-httplib (found through pkg-config), three.js
+#   test  the demo and view sets and everything the tests, fuzzers and benchmarks use (the default)
 set -euo pipefail
 
 demo=(cmake g++ make)
+view=(pkg-config libcpp-httplib-dev libjs-three)
 # pkg-config builds the README's program against an install; clang-14 and its runtimes
 # (libFuzzer among them) build the fuzzing harnesses; valgrind checks the soak for leaks;
 # pybind11 and the Python headers build the Python module, pytest runs its tests; dpkg-dev and
-# file let CPack build the Debian packages.
-test=("${demo[@]}" pkg-config libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
-      libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest dpkg-dev file)
+# file let CPack build the Debian packages; clang-format-14 checks the format; chromium loads
+# the live view in its browser test.
+test=("${demo[@]}" "${view[@]}" chromium libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
+      libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest dpkg-dev file clang-format-14)
 
 packages=()
 for name in "${@:-test}"; do
   case "$name" in
     demo) packages+=("${demo[@]}") ;;
+    view) packages+=("${view[@]}") ;;
     test) packages+=("${test[@]}") ;;
     *) packages+=("$name") ;;
   esac

@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the library with its tests and runs them: first the plain
-# build, followed by an application built against an install of it, then each fuzzing harness
-# for a short slot, then the same suite under ThreadSanitizer and under AddressSanitizer with
-# UndefinedBehaviorSanitizer. `--quick` runs the plain build and the application only.
+# Installs what is missing, checks the format of every C++ file, builds the library with its
+# tests and runs them: first the plain build, followed by an application built against an
+# install of it, then each fuzzing harness for a short slot, then the same suite under
+# ThreadSanitizer and under AddressSanitizer with UndefinedBehaviorSanitizer. `--quick` runs
+# the plain build and the application only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh test
+
+echo "== format"
+scripts/check-format.sh
 
 jobs=$(nproc)
 run_suite() {  # build directory, then extra cmake arguments

@@ -70,6 +70,7 @@ int main(int argc, char** argv) {
   options.port = line->port;
   options.controller.motorCount = line->motors;
   options.controller.limits = line->limits;
+  options.view = line->view;
   if (!line->quiet) {
     options.log = PrintLine;
   }
@@ -82,6 +83,10 @@ int main(int argc, char** argv) {
     PrintLine(program + ": simulated controller with " + std::to_string(line->motors) +
               " motors listening on " + simulator.Host() + ":" + std::to_string(simulator.Port()) +
               " (Ctrl-C stops it)");
+    if (const std::optional<std::uint16_t> view = simulator.ViewPort()) {
+      PrintLine(program + ": live view on http://" + simulator.Host() + ":" +
+                std::to_string(*view) + "/");
+    }
     int received = 0;
     sigwait(&stopSignals, &received);
     simulator.Stop();

@@ -8,7 +8,7 @@
 
 namespace tavsim {
 
-Connection::Connection(UniqueFd socket) : socket(std::move(socket)) {}
+Connection::Connection(UniqueFd accepted) : socket(std::move(accepted)) {}
 
 bool Connection::Write(const std::string& bytes) {
   std::size_t written = 0;

@@ -55,8 +55,8 @@ std::uint16_t BoundPort(const UniqueFd& socket) {
 
 LoopbackListener::LoopbackListener() : LoopbackListener("127.0.0.1", 0) {}
 
-LoopbackListener::LoopbackListener(const std::string& address, std::uint16_t port)
-    : socket(Bind(address, port)), port(BoundPort(socket)) {
+LoopbackListener::LoopbackListener(const std::string& address, std::uint16_t requestedPort)
+    : socket(Bind(address, requestedPort)), port(BoundPort(socket)) {
   if (::listen(socket.Get(), SOMAXCONN) != 0) {
     ThrowErrno("listen");
   }

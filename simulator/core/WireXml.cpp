@@ -13,7 +13,7 @@ namespace {
 
 class Reader {
 public:
-  explicit Reader(const std::string& text) : text(text) {}
+  explicit Reader(const std::string& source) : text(source) {}
 
   std::optional<WireElement> Document() {
     WireElement root;

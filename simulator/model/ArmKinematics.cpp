@@ -41,7 +41,7 @@ double NearestTurn(double angle, double reference, double limit) {
 
 }  // namespace
 
-ArmKinematics::ArmKinematics(const Links& links) : links(links) {}
+ArmKinematics::ArmKinematics(const Links& table) : links(table) {}
 
 ArmKinematics ArmKinematics::Ur5() {
   return ArmKinematics(Links{{{0.0, kHalfPi, 0.089159},
@@ -108,9 +108,8 @@ std::vector<ArmKinematics::Joints> ArmKinematics::Solutions(const Transform& tar
       // keeps the hint if the arm can reach that, else takes the reachable angle nearest to it.
       theta5 = c5 > 0.0 ? 0.0 : kPi;
       for (int step = 0; step <= kSingularSteps; ++step) {
-        double offset =
-            kPi * ((step + 1) / 2) / (kSingularSteps / 2) * (step % 2 == 0 ? 1.0 : -1.0);
-        if (_solveArm(target, theta1, theta5, wristHint + offset, found)) {
+        double shift = kPi * ((step + 1) / 2) / (kSingularSteps / 2) * (step % 2 == 0 ? 1.0 : -1.0);
+        if (_solveArm(target, theta1, theta5, wristHint + shift, found)) {
           break;
         }
       }

@@ -28,17 +28,28 @@ Reply SimulatedController::_velocities(const ParamReader& params, double now) {
   return _motorQuery(params, [this, now](std::size_t motor) { return arm.Velocity(motor, now); });
 }
 
-Reply SimulatedController::_currents(const ParamReader& params, double now) {
+std::array<double, ArmKinematics::kJoints> SimulatedController::_gravityTorques(double now) const {
   std::array<double, ArmKinematics::kJoints> gravity{};
   if (_hasArm()) {
     gravity = currentModel.GravityTorques(_armJoints(now));
   }
+  return gravity;
+}
+
+double SimulatedController::_motorCurrent(std::size_t motor,
+                                          const std::array<double, ArmKinematics::kJoints>& gravity,
+                                          double now) const {
+  if (arm.Released(motor)) {
+    return 0.0;
+  }
+  double torque = motor < gravity.size() ? gravity[motor] : 0.0;
+  return CurrentModel::Current(torque, arm.Velocity(motor, now), arm.Acceleration(motor, now));
+}
+
+Reply SimulatedController::_currents(const ParamReader& params, double now) {
+  const auto gravity = _gravityTorques(now);
   return _motorQuery(params, [this, now, &gravity](std::size_t motor) {
-    if (arm.Released(motor)) {
-      return 0.0;
-    }
-    double torque = motor < gravity.size() ? gravity[motor] : 0.0;
-    return CurrentModel::Current(torque, arm.Velocity(motor, now), arm.Acceleration(motor, now));
+    return _motorCurrent(motor, gravity, now);
   });
 }
 

@@ -13,7 +13,7 @@ constexpr std::array<double, ArmKinematics::kJoints> kLinkMass{3.7,   8.393, 2.2
 
 }  // namespace
 
-CurrentModel::CurrentModel(const ArmKinematics& kinematics) : kinematics(kinematics) {}
+CurrentModel::CurrentModel(const ArmKinematics& model) : kinematics(model) {}
 
 std::array<double, ArmKinematics::kJoints> CurrentModel::GravityTorques(
     const JointVector& degrees) const {

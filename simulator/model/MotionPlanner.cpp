@@ -35,9 +35,9 @@ std::unique_ptr<Trajectory> ChainOrNull(std::vector<std::unique_ptr<Trajectory>>
 // Speeds along a line within this share of the fastest one count as following it.
 constexpr double kAlongLineTolerance = 1e-6;
 
-MotionPlanner::MotionPlanner(const ArmKinematics& kinematics, double jointLimitDegrees,
+MotionPlanner::MotionPlanner(const ArmKinematics& model, double jointLimitDegrees,
                              const ArmLimits& armLimits)
-    : kinematics(kinematics),
+    : kinematics(model),
       jointLimit(jointLimitDegrees),
       limits(armLimits),
       posture(kinematics, limits) {}

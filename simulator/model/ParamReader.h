@@ -17,7 +17,7 @@ using Params = std::map<std::string, std::string>;
 // missing or its text is not of the expected form, and `out` may then hold anything.
 class ParamReader {
 public:
-  explicit ParamReader(const Params& params) : params(params) {}
+  explicit ParamReader(const Params& texts) : params(texts) {}
 
   bool Text(const char* key, std::string& out) const;
   bool Real(const char* key, double& out) const;

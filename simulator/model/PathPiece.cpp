@@ -14,9 +14,9 @@ double TurnAngle(const Quaternion& a, const Quaternion& b) {
 
 }  // namespace
 
-PathPiece::PathPiece(const Vec3& from, const Vec3& control, const Vec3& to,
-                     const Quaternion& startTurn, const Quaternion& endTurn)
-    : from(from), control(control), to(to), startTurn(startTurn), endTurn(endTurn) {
+PathPiece::PathPiece(const Vec3& start, const Vec3& bend, const Vec3& end,
+                     const Quaternion& firstTurn, const Quaternion& lastTurn)
+    : from(start), control(bend), to(end), startTurn(firstTurn), endTurn(lastTurn) {
   for (std::size_t i = 1; i <= kTableSteps; ++i) {
     double u0 = static_cast<double>(i - 1) / kTableSteps;
     double u1 = static_cast<double>(i) / kTableSteps;

@@ -25,8 +25,8 @@ JointVector StartAngles(const ControllerOptions& options) {
 }  // namespace
 
 SimulatedController::SimulatedController(ControllerOptions options,
-                                         std::shared_ptr<const Clock> clock)
-    : clock(std::move(clock)),
+                                         std::shared_ptr<const Clock> sharedClock)
+    : clock(std::move(sharedClock)),
       kinematics(ArmKinematics::Ur5()),
       planner(kinematics, kJointLimitDegrees, options.limits),
       currentModel(kinematics),

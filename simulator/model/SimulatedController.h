@@ -12,6 +12,7 @@
 #include "model/Arm.h"
 #include "model/ArmKinematics.h"
 #include "model/Clock.h"
+#include "model/ControllerSnapshot.h"
 #include "model/ControllerState.h"
 #include "model/CurrentModel.h"
 #include "model/IoPanel.h"
@@ -70,6 +71,8 @@ public:
   std::optional<double> SecondsUntilNextCompletion() const;
 
   ControllerMode Mode() const;
+  // Everything an onlooker sees of the controller now, read at one instant.
+  ControllerSnapshot Snapshot() const;
   std::size_t MotorCount() const { return arm.MotorCount(); }
 
 private:
@@ -142,6 +145,11 @@ private:
   Reply _position(const ParamReader& params, double now);
   Reply _forward(const ParamReader& params, double now);
   Reply _inverse(const ParamReader& params, double now);
+
+  // Gravity torque on each arm joint now (none without an arm), and a motor's current.
+  std::array<double, ArmKinematics::kJoints> _gravityTorques(double now) const;
+  double _motorCurrent(std::size_t motor, const std::array<double, ArmKinematics::kJoints>& gravity,
+                       double now) const;
 
   // Shared shape of the per-motor queries.
   template <typename Value>

@@ -41,7 +41,7 @@ std::optional<T> ParseWhole(std::string_view text) {
 
 class Reader {
 public:
-  explicit Reader(std::string_view text) : text(text) {}
+  explicit Reader(std::string_view source) : text(source) {}
 
   std::optional<TextValue> Document() {
     auto value = _parseValue(0);

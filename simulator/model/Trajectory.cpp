@@ -81,7 +81,7 @@ JointVector JointRamp::StoppingTimeAt(double t) const {
   return JointVector(delta.size(), std::abs(profile.Velocity(t)) / profile.Acceleration());
 }
 
-Dwell::Dwell(JointVector at, double seconds) : at(std::move(at)), seconds(seconds) {}
+Dwell::Dwell(JointVector where, double duration) : at(std::move(where)), seconds(duration) {}
 
 Brake::Brake(JointState start) : from(std::move(start)) {
   for (double& seconds : from.stoppingTime) {
@@ -121,9 +121,9 @@ JointVector Brake::StoppingTimeAt(double t) const {
   return left;
 }
 
-SampledTrajectory::SampledTrajectory(double step, std::vector<JointVector> samples,
-                                     TrapezoidProfile timing)
-    : step(step), samples(std::move(samples)), timing(std::move(timing)) {}
+SampledTrajectory::SampledTrajectory(double interval, std::vector<JointVector> points,
+                                     TrapezoidProfile speed)
+    : step(interval), samples(std::move(points)), timing(std::move(speed)) {}
 
 JointVector SampledTrajectory::StoppingTimeAt(double t) const {
   return JointVector(samples.front().size(), std::abs(timing.Velocity(t)) / timing.Acceleration());

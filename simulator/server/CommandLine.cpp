@@ -34,6 +34,8 @@ bool Apply(CommandLine& line, const std::string& option, const std::string& valu
     line.limits.floor = height;
   } else if (option == "--fold-limit") {
     ok = ReadNumber<double>(value, 0.0, 180.0, line.limits.foldLimit);
+  } else if (option == "--view") {
+    ok = ReadNumber<std::uint16_t>(value, 0, 65535, line.view.emplace());
   } else if (option == "--fault") {
     std::optional<Fault> fault = ParseFault(value, problem);
     if (!fault) {
@@ -62,7 +64,8 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& argu
     } else if (option == "--no-floor") {
       line.limits.floor.reset();
     } else if (option == "--host" || option == "--port" || option == "--motors" ||
-               option == "--fault" || option == "--floor" || option == "--fold-limit") {
+               option == "--fault" || option == "--view" || option == "--floor" ||
+               option == "--fold-limit") {
       if (i + 1 == arguments.size()) {
         problem = option + " needs a value";
         return std::nullopt;
@@ -80,8 +83,8 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& argu
 
 std::string Usage(const std::string& program) {
   return "Usage: " + program +
-         " [--host ADDRESS] [--port PORT] [--motors N] [--floor Z | --no-floor]\n"
-         "       [--fold-limit DEG] [--fault RULE]... [--quiet]\n"
+         " [--host ADDRESS] [--port PORT] [--motors N] [--fault RULE]... [--view PORT]\n"
+         "       [--floor Z | --no-floor] [--fold-limit DEG] [--quiet]\n"
          "\n"
          "A simulated robot-arm controller for the tavclient library: a six-axis arm behind the\n"
          "controller's wire protocol. Point an application at it with RobotLogin(ADDRESS, PORT).\n"
@@ -110,6 +113,8 @@ std::string Usage(const std::string& program) {
          "default any reply\n"
          "                  e.g. --fault delay,on=get_angles,ms=500  --fault "
          "close,on=heart,after=2\n"
+         "  --view PORT     serve the live view on http://ADDRESS:PORT/ (0 lets the system pick):\n"
+         "                  the arm in 3D, plots of its joints, I/O, gripper, recent commands\n"
          "  --quiet         log nothing but start and stop\n"
          "  --help          show this text\n";
 }

@@ -22,6 +22,7 @@ struct CommandLine {
   std::vector<Fault> faults;
   // Floor and elbow folding; the ceilings stay those of the arm.
   ArmLimits limits;
+  std::optional<std::uint16_t> view;
   bool quiet = false;
   bool help = false;
 };

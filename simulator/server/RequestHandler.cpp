@@ -40,8 +40,8 @@ OutgoingReply CommandAnswer(const std::string& timestamp, const std::string& fun
   return OutgoingReply{functionName, CommandReplyMessage(message), true};
 }
 
-RequestHandler::RequestHandler(SimulatedController& controller, LogSink log)
-    : controller(controller), log(std::move(log)) {}
+RequestHandler::RequestHandler(SimulatedController& served, LogSink sink)
+    : controller(served), log(std::move(sink)) {}
 
 std::optional<OutgoingReply> RequestHandler::Answer(ConnectionId connection,
                                                     const std::string& message) {

@@ -38,10 +38,10 @@ int MillisecondsUntil(SteadyTime when, SteadyTime now) {
 }  // namespace
 
 ServerLoop::ServerLoop(const ServerOptions& options, SimulatedController& controller,
-                       FaultInjector& faults)
+                       FaultInjector& injector)
     : listener(options.host, options.port),
       handler(controller, options.log),
-      faults(faults),
+      faults(injector),
       log(options.log),
       maxMessageBytes(options.maxMessageBytes) {}
 

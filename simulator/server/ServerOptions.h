@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "model/Clock.h"
@@ -27,6 +28,10 @@ struct ServerOptions {
   std::size_t maxMessageBytes = 64 * 1024;
   // One line per connection event and per command; nothing when empty.
   LogSink log;
+  // Serve the live view over HTTP on this port of `host` (0: a free one; see
+  // SimulatorServer::ViewPort()): a page that draws the arm, and its state as JSON. Off when
+  // empty.
+  std::optional<std::uint16_t> view;
 };
 
 }  // namespace tavsim

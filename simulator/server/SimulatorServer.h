@@ -4,12 +4,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
 #include "model/SimulatedController.h"
+#include "server/ActivityFeed.h"
 #include "server/Fault.h"
 #include "server/FaultInjector.h"
+#include "server/LiveView.h"
 #include "server/ServerOptions.h"
 
 namespace tavsim {
@@ -37,6 +40,8 @@ public:
 
   const std::string& Host() const { return host; }
   std::uint16_t Port() const { return port; }
+  // The live view's port while it serves; nothing without a view.
+  std::optional<std::uint16_t> ViewPort() const;
   // Client connections open now.
   std::size_t ConnectionCount() const;
 
@@ -54,8 +59,10 @@ private:
   std::string host;
   std::unique_ptr<SimulatedController> controller;
   FaultInjector faults;
+  std::shared_ptr<ActivityFeed> activity;  // for the view only
   std::unique_ptr<ServerLoop> loop;
   std::uint16_t port;
+  std::unique_ptr<LiveView> view;
   std::thread thread;
 };
 

@@ -11,15 +11,15 @@ const std::string kCloseTag = "</root>";
 // The length of the longest tail of `text` that is a proper prefix of `tag`.
 std::size_t PartialTagAtEnd(const std::string& text, const std::string& tag) {
   for (std::size_t length = std::min(text.size(), tag.size() - 1); length > 0; --length) {
-    if (text.compare(text.size() - length, length, tag, 0, length) == 0) return length;
+    if (text.compare(text.size() - length, length, tag, 0, length) == 0) {
+      return length;
+    }
   }
   return 0;
 }
 }  // namespace
 
-void MessageFramer::Append(const char* bytes, std::size_t count) {
-  buffer.append(bytes, count);
-}
+void MessageFramer::Append(const char* bytes, std::size_t count) { buffer.append(bytes, count); }
 
 void MessageFramer::Clear() {
   std::string().swap(buffer);  // releases the memory, not only the contents
@@ -40,7 +40,9 @@ bool MessageFramer::_alignOnOpeningTag() {
 }
 
 int MessageFramer::Next(std::string& message) {
-  if (!aligned && !_alignOnOpeningTag()) return RobotEvents::kNoCompleteMessage;
+  if (!aligned && !_alignOnOpeningTag()) {
+    return RobotEvents::kNoCompleteMessage;
+  }
   const std::size_t close = buffer.find(kCloseTag, closeSearchFrom);
   if (close == std::string::npos) {
     if (buffer.size() > limit) {
@@ -48,7 +50,8 @@ int MessageFramer::Next(std::string& message) {
       return RobotEvents::kDecodeFailed;
     }
     // A closing tag split across reads starts within its length of the end.
-    closeSearchFrom = std::max(closeSearchFrom, buffer.size() - std::min(buffer.size(), kCloseTag.size() - 1));
+    closeSearchFrom =
+        std::max(closeSearchFrom, buffer.size() - std::min(buffer.size(), kCloseTag.size() - 1));
     return RobotEvents::kNoCompleteMessage;
   }
   const std::size_t end = close + kCloseTag.size();

@@ -94,8 +94,9 @@ std::string Receiver::_addBounded(Entries& entries, const std::string& name, Mes
   }
   auto oldest = entries.begin();
   for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
-    if (entry->second.order < oldest->second.order)
+    if (entry->second.order < oldest->second.order) {
       oldest = entry;
+    }
   }
   std::string dropped = oldest->first;
   entries.erase(oldest);
@@ -174,8 +175,9 @@ bool Receiver::_handleMessage(std::string& message) {
   if (name == "Error") {
     // An error that names no code must still fail the session: as a status, 0 would mean success.
     Robot_Event event = GetRobotEvent(result["errorcode"]);
-    if (event == RobotEvents::kSuccess)
+    if (event == RobotEvents::kSuccess) {
       event = RobotEvents::kDecodeFailed;
+    }
     logger.Error(TAV_ERROR, event, "Receiver thread recv an error from KestServer.");
     _report(framedLoad, event, false);
     return true;

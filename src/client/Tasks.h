@@ -6,7 +6,7 @@
 
 // One outbound message waiting in the Sender's queue; copied by value, never shared.
 struct Tasks {
-  static constexpr int kSession = 100;    // selected further by params["identifier"]
+  static constexpr int kSession = 100;  // selected further by params["identifier"]
   static constexpr int kCommand = 101;
   static constexpr int kHeartbeat = 102;
 

@@ -8,7 +8,8 @@ namespace {
 constexpr std::chrono::seconds kIdleCheck{1};
 }
 
-WorkerThread::WorkerThread(const char* setup, const char* shutdown) : setupLine(setup), shutdownLine(shutdown) {}
+WorkerThread::WorkerThread(const char* setup, const char* shutdown)
+    : setupLine(setup), shutdownLine(shutdown) {}
 
 bool WorkerThread::Start() {
   running = true;

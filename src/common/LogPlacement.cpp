@@ -19,7 +19,8 @@ std::unique_ptr<LogFile> OpenIn(const std::string& directory, std::time_t start)
 
 }  // namespace
 
-std::unique_ptr<LogFile> OpenLogFile(const std::string& directory, const std::string& homeNotice, std::time_t start) {
+std::unique_ptr<LogFile> OpenLogFile(const std::string& directory, const std::string& homeNotice,
+                                     std::time_t start) {
   std::unique_ptr<LogFile> file = OpenIn(directory, start);
   if (file && homeNotice.empty()) {
     return file;
@@ -28,7 +29,8 @@ std::unique_ptr<LogFile> OpenLogFile(const std::string& directory, const std::st
   std::string target = directory;
   if (!file) {
     if (reason.empty()) {
-      reason = directory.empty() ? "no log directory was made" : "cannot write a log file in " + directory;
+      reason = directory.empty() ? "no log directory was made"
+                                 : "cannot write a log file in " + directory;
     }
     target = WorkingDirectoryBase() + "/log";
     file = OpenIn(target, start);

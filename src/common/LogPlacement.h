@@ -15,6 +15,7 @@
 // HOME) is not empty, one line on stderr says why and where the log goes, e.g.
 // "tavclient: HOME is not usable (unset); logging to /work/TavClient/log" or
 // "tavclient: cannot write a log file in /home/u/TavClient/log; logging nothing".
-std::unique_ptr<LogFile> OpenLogFile(const std::string& directory, const std::string& homeNotice, std::time_t start);
+std::unique_ptr<LogFile> OpenLogFile(const std::string& directory, const std::string& homeNotice,
+                                     std::time_t start);
 
 #endif

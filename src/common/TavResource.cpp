@@ -78,7 +78,8 @@ int TavResource::Load() {
   repositoryPath.clear();
   homeNotice.clear();
 
-  const std::optional<std::string> configuredBase = Configured(properties, opened, "TAVCLIENT_PATH");
+  const std::optional<std::string> configuredBase =
+      Configured(properties, opened, "TAVCLIENT_PATH");
   basePath = configuredBase ? *configuredBase : _homeBase(environmentHome);
   int status = createDirectory(basePath);
   if (status == RobotEvents::kSuccess) {
@@ -86,7 +87,8 @@ int TavResource::Load() {
     status = createDirectory(logPath);
   }
   if (status == RobotEvents::kSuccess) {
-    repositoryPath = Configured(properties, opened, "REPOSITORY_PATH").value_or(basePath + "/repository");
+    repositoryPath =
+        Configured(properties, opened, "REPOSITORY_PATH").value_or(basePath + "/repository");
     status = createDirectory(repositoryPath);
   }
   if (status != RobotEvents::kSuccess) {

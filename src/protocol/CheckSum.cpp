@@ -20,13 +20,9 @@ int ToSigned(std::uint32_t value) {
 
 CheckSum::CheckSum() : state(0) {}
 
-CheckSum::~CheckSum() {
-  state = 0;
-}
+CheckSum::~CheckSum() { state = 0; }
 
-void CheckSum::AddElement(std::string elementText) {
-  elements.push_back(std::move(elementText));
-}
+void CheckSum::AddElement(std::string elementText) { elements.push_back(std::move(elementText)); }
 
 int CheckSum::CalcSum() {
   std::uint32_t sum = 0;

@@ -54,7 +54,8 @@ const TavXmlElement* ChildAt(const Children& children, std::size_t index) {
   return index < children.size() ? &children[index] : nullptr;
 }
 
-const TavXmlElement* ChildNamed(const Children& children, std::size_t index, const std::string& name) {
+const TavXmlElement* ChildNamed(const Children& children, std::size_t index,
+                                const std::string& name) {
   const TavXmlElement* child = ChildAt(children, index);
   return child != nullptr && child->getName() == name ? child : nullptr;
 }
@@ -174,7 +175,8 @@ int Parser::unwrap_ConnResult(Message& result, std::string& text) {
   if (identifier->getText() != "ConnResult") {
     return kDecodeFailed;
   }
-  const TavXmlElement* value = ChildNamed(ChildrenOf(ChildNamed(top, 1, "ConnResult")), 0, "result");
+  const TavXmlElement* value =
+      ChildNamed(ChildrenOf(ChildNamed(top, 1, "ConnResult")), 0, "result");
   if (value == nullptr) {
     return kDecodeFailed;
   }

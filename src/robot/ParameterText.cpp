@@ -8,7 +8,9 @@ template <typename ItemText>
 std::string Joined(const char* open, unsigned long n, ItemText itemText, const char* close) {
   std::string text = open;
   for (unsigned long i = 0; i < n; ++i) {
-    if (i > 0) text += ',';
+    if (i > 0) {
+      text += ',';
+    }
     text += itemText(i);
   }
   return text + close;
@@ -28,7 +30,8 @@ std::string RealText(double value) { return std::to_string(value); }
 std::string IdList(int id) { return IdList(1, &id); }
 
 std::string IdList(unsigned long n, const int* ids) {
-  return Joined("[", n, [ids](unsigned long i) { return Quoted(Integer(ids[i])); }, "]");
+  return Joined(
+      "[", n, [ids](unsigned long i) { return Quoted(Integer(ids[i])); }, "]");
 }
 
 std::string IdList(const std::vector<int>& ids) { return IdList(ids.size(), ids.data()); }
@@ -36,21 +39,23 @@ std::string IdList(const std::vector<int>& ids) { return IdList(ids.size(), ids.
 std::string IntList(int value) { return IntList(1, &value); }
 
 std::string IntList(unsigned long n, const int* values) {
-  return Joined("[", n, [values](unsigned long i) { return Integer(values[i]); }, "]");
+  return Joined(
+      "[", n, [values](unsigned long i) { return Integer(values[i]); }, "]");
 }
 
 std::string SignalMap(int id, int value) { return SignalMap(1, &id, &value); }
 
 std::string SignalMap(unsigned long n, const int* ids, const int* values) {
-  return Joined("{", n,
-                [ids, values](unsigned long i) { return Field(Integer(ids[i]), Integer(values[i])); },
-                "}");
+  return Joined(
+      "{", n, [ids, values](unsigned long i) { return Field(Integer(ids[i]), Integer(values[i])); },
+      "}");
 }
 
 std::string RealList(double value) { return RealList(1, &value); }
 
 std::string RealList(unsigned long n, const double* values) {
-  return Joined("[", n, [values](unsigned long i) { return RealText(values[i]); }, "]");
+  return Joined(
+      "[", n, [values](unsigned long i) { return RealText(values[i]); }, "]");
 }
 
 std::string Pose(const _Pose& pose) {
@@ -59,7 +64,8 @@ std::string Pose(const _Pose& pose) {
 }
 
 std::string PoseList(unsigned long n, const _Pose* poses) {
-  return Joined("[", n, [poses](unsigned long i) { return Pose(poses[i]); }, "]");
+  return Joined(
+      "[", n, [poses](unsigned long i) { return Pose(poses[i]); }, "]");
 }
 
 std::string Real(float value) { return RealText(static_cast<double>(value)); }

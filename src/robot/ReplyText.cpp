@@ -29,7 +29,9 @@ void SplitInto(const std::string& text, std::vector<std::string>& pieces,
                const std::string& separator) {
   std::string::size_type start = 0;
   if (separator.empty()) {  // would match everywhere without advancing: no split
-    if (!text.empty()) pieces.push_back(text);
+    if (!text.empty()) {
+      pieces.push_back(text);
+    }
     return;
   }
   for (auto found = text.find(separator); found != std::string::npos;
@@ -37,7 +39,9 @@ void SplitInto(const std::string& text, std::vector<std::string>& pieces,
     pieces.push_back(text.substr(start, found - start));
     start = found + separator.size();
   }
-  if (start < text.size()) pieces.push_back(text.substr(start));
+  if (start < text.size()) {
+    pieces.push_back(text.substr(start));
+  }
 }
 
 void ReadNumber(const std::string& text, double& value) {

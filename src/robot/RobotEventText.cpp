@@ -1,4 +1,4 @@
-#include "Robot.h"
 #include "common/RobotEventText.h"
+#include "Robot.h"
 
 const char* Robot::EventText(int code) { return RobotEventText(code); }

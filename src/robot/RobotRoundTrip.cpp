@@ -21,11 +21,13 @@ int Robot::_roundTrip(const std::string& function_name, const Parameters& parame
   task.params["timestamp"] = timestamp;
   task.params["ClientID"] = clientId;
   task.params["function_name"] = function_name;
-  for (const auto& [key, text] : parameters)
+  for (const auto& [key, text] : parameters) {
     task.params[key] = text;
+  }
 
-  if (const int code = Exchange(std::move(task), function_name + timestamp, reply))
+  if (const int code = Exchange(std::move(task), function_name + timestamp, reply)) {
     return code;
+  }
   return GetRobotEvent(ReplyText::ValueOf(reply, "state"));
 }
 
@@ -38,8 +40,9 @@ int Robot::_command(const std::string& function_name, const Parameters& paramete
 int Robot::_queryText(const std::string& function_name, const Parameters& parameters,
                       std::string& cleaned) {
   Reply reply;
-  if (const int code = _roundTrip(function_name, parameters, reply))
+  if (const int code = _roundTrip(function_name, parameters, reply)) {
     return code;
+  }
   cleaned = ReplyText::Cleaned(ReplyText::ValueOf(reply, "result1"));
   return 0;
 }
@@ -47,8 +50,9 @@ int Robot::_queryText(const std::string& function_name, const Parameters& parame
 int Robot::_queryList(const std::string& function_name, const Parameters& parameters,
                       std::vector<std::string>& pieces) {
   std::string text;
-  if (const int code = _queryText(function_name, parameters, text))
+  if (const int code = _queryText(function_name, parameters, text)) {
     return code;
+  }
   ReplyText::SplitInto(text, pieces, ",");
   return 0;
 }
@@ -57,8 +61,9 @@ template <typename Number>
 int Robot::_queryValue(const std::string& function_name, const Parameters& parameters,
                        Number& value) {
   std::string text;
-  if (const int code = _queryText(function_name, parameters, text))
+  if (const int code = _queryText(function_name, parameters, text)) {
     return code;
+  }
   ReplyText::ReadNumber(text, value);
   return 0;
 }
@@ -69,11 +74,13 @@ template <typename Number>
 int Robot::_queryValues(const std::string& function_name, const Parameters& parameters,
                         std::vector<Number>& values) {
   std::vector<std::string> pieces;
-  if (const int code = _queryList(function_name, parameters, pieces))
+  if (const int code = _queryList(function_name, parameters, pieces)) {
     return code;
+  }
   std::vector<Number> read(pieces.size());
-  for (size_t i = 0; i < pieces.size(); ++i)
+  for (size_t i = 0; i < pieces.size(); ++i) {
     ReplyText::ReadNumber(pieces[i], read[i]);
+  }
   values = std::move(read);
   return 0;
 }
@@ -87,8 +94,9 @@ int Robot::_queryValues(const std::string& function_name, const Parameters& para
     return RobotEvents::kInvalidArgument;
   }
   std::vector<Number> read;
-  if (const int code = _queryValues(function_name, parameters, read))
+  if (const int code = _queryValues(function_name, parameters, read)) {
     return code;
+  }
   if (read.size() > capacity) {
     TavLogger::GetInstance().Warning(
         0, "Robot %s reply holds %d values, room for %d: the rest is ignored.",
@@ -110,11 +118,13 @@ template int Robot::_queryValues(const std::string&, const Parameters&, int*, si
 // std::out_of_range and leave the pose untouched.
 int Robot::_queryPose(const std::string& function_name, const Parameters& parameters, _Pose& pose) {
   std::vector<std::string> pieces;
-  if (const int code = _queryList(function_name, parameters, pieces))
+  if (const int code = _queryList(function_name, parameters, pieces)) {
     return code;
+  }
   double read[6];
-  for (size_t i = 0; i < 6; ++i)
+  for (size_t i = 0; i < 6; ++i) {
     ReplyText::ReadNumber(pieces.at(i), read[i]);
+  }
   pose = _Pose{read[0], read[1], read[2], read[3], read[4], read[5]};
   return 0;
 }

@@ -19,8 +19,9 @@ Robot::~Robot() = default;
 int Robot::RobotLogin(const char* ip, short port) {
   motorIds.clear();
   clientId.clear();
-  if (const int code = InitializeSocket(ip, port))
+  if (const int code = InitializeSocket(ip, port)) {
     return code;
+  }
 
   const LocalSystemInfo info = GetLocalSystemInfo();
   Tasks clientInfo;
@@ -30,10 +31,12 @@ int Robot::RobotLogin(const char* ip, short port) {
                        {"system", info.system},
                        {"language", info.language}};
   Reply reply;
-  if (const int code = Exchange(clientInfo, "ConnResult", reply))
+  if (const int code = Exchange(clientInfo, "ConnResult", reply)) {
     return code;
-  if (const int code = GetRobotEvent(ReplyText::ValueOf(reply, "result")))
+  }
+  if (const int code = GetRobotEvent(ReplyText::ValueOf(reply, "result"))) {
     return code;
+  }
   GetClientIP(clientId);
   return 0;
 }
@@ -48,16 +51,18 @@ int Robot::Setup(const char* name, Setup_Param param, Setup_Mode mode) {
   const int code = _command("Robot", {{"name", name},
                                       {"parameters", ParameterText::SetupParameters(param)},
                                       {"virtual", ParameterText::Integer(static_cast<int>(mode))}});
-  if (code != 0)
+  if (code != 0) {
     return code;
+  }
   return _getMotorIds();
 }
 
 // On any failure the cache keeps the ids of the last successful discovery.
 int Robot::_getMotorIds() {
   Reply reply;
-  if (const int code = _roundTrip("get_motor_ids", {}, reply))
+  if (const int code = _roundTrip("get_motor_ids", {}, reply)) {
     return code;
+  }
   motorIds = ReplyText::MotorIdsIn(ReplyText::ValueOf(reply, "result1"));
   return 0;
 }

@@ -33,9 +33,7 @@ bool TavThread::Join() {
 }
 
 // A cancelled thread still has to be joined (or detached), so the handle stays.
-bool TavThread::Terminate() {
-  return hasThread && pthread_cancel(handle) == 0;
-}
+bool TavThread::Terminate() { return hasThread && pthread_cancel(handle) == 0; }
 
 void* TavThread::_threadEntry(void* self) {
   static_cast<TavThread*>(self)->Run();

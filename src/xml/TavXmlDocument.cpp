@@ -11,29 +11,21 @@ int TavXmlDocument::parse(std::string& text) {
   return _recursionParse(root);
 }
 
-TavXmlElement TavXmlDocument::getRoot() {
-  return root;
-}
+TavXmlElement TavXmlDocument::getRoot() { return root; }
 
-const TavXmlElement& TavXmlDocument::rootView() const {
-  return root;
-}
+const TavXmlElement& TavXmlDocument::rootView() const { return root; }
 
 // Serialisation belongs to TavXmlElement::getElement; the document only reads.
-int TavXmlDocument::generate(TavXmlElement& /*element*/) {
-  return 0;
-}
+int TavXmlDocument::generate(TavXmlElement& /*element*/) { return 0; }
 
-std::string TavXmlDocument::getString() {
-  return std::string();
-}
+std::string TavXmlDocument::getString() { return std::string(); }
 
 namespace {
 
 // Whether `head`, `name` and `tail` are written one after the other at `at` in `text`.
 template <std::size_t HeadSize, std::size_t TailSize>
-bool TagAt(const std::string& text, std::size_t at, const char (&head)[HeadSize], const std::string& name,
-           const char (&tail)[TailSize]) {
+bool TagAt(const std::string& text, std::size_t at, const char (&head)[HeadSize],
+           const std::string& name, const char (&tail)[TailSize]) {
   constexpr std::size_t headLength = HeadSize - 1;
   constexpr std::size_t tailLength = TailSize - 1;
   const char* const written = text.data() + at;
@@ -91,7 +83,9 @@ int TavXmlDocument::_getElementNameVector(std::string& text, std::vector<std::st
     return 1;
   }
   std::size_t from = 0;
-  const auto relative = [&from](std::size_t position) { return position == npos ? npos : position - from; };
+  const auto relative = [&from](std::size_t position) {
+    return position == npos ? npos : position - from;
+  };
   const auto cut = [&](std::size_t count) {
     if (count > text.size() - from) {
       throw std::out_of_range("basic_string::assign");
@@ -107,7 +101,8 @@ int TavXmlDocument::_getElementNameVector(std::string& text, std::vector<std::st
       lastStart = text.rfind('<', selfClose);
     }
     const std::size_t selfCloseAt = relative(selfClose);
-    const std::size_t lastStartBefore = lastStart == npos || lastStart < from ? npos : lastStart - from;
+    const std::size_t lastStartBefore =
+        lastStart == npos || lastStart < from ? npos : lastStart - from;
     if (lastStartBefore != npos && lastStartBefore == tagStart && tagStart != npos) {
       std::string name = text.substr(from + tagStart + 1, selfCloseAt - 2);
       const std::string tag = "<" + name + " " + "/>";
@@ -145,7 +140,8 @@ int TavXmlDocument::_recursionParse(TavXmlElement& element) {
 // Each child is searched by name in the parent's whole text, so repeated names all read the
 // first element of that name. Every child built spends its text length from the budget, which
 // also bounds the recursion depth, since a parent's text holds all of its descendants' texts.
-int TavXmlDocument::_recursionParse(TavXmlElement& element, std::string& text, std::size_t& budget) {
+int TavXmlDocument::_recursionParse(TavXmlElement& element, std::string& text,
+                                    std::size_t& budget) {
   std::vector<std::string> names;
   if (_getElementNameVector(text, names) != 0) {
     return 0;

@@ -2,9 +2,7 @@
 
 #include <utility>
 
-TavXmlElement::TavXmlElement() : element("<></>") {
-  _updateXMLParam();
-}
+TavXmlElement::TavXmlElement() : element("<></>") { _updateXMLParam(); }
 
 TavXmlElement::TavXmlElement(std::string elementName)
     : element("<" + elementName + "></" + elementName + ">"), name(std::move(elementName)) {
@@ -13,9 +11,7 @@ TavXmlElement::TavXmlElement(std::string elementName)
 
 TavXmlElement::TavXmlElement(const TavXmlElement& other) = default;
 
-TavXmlElement::~TavXmlElement() {
-  element.clear();
-}
+TavXmlElement::~TavXmlElement() { element.clear(); }
 
 // Positions past the end of `element` make std::string throw std::out_of_range; a "not
 // found" position plus one wraps to 0 by unsigned arithmetic.
@@ -47,13 +43,9 @@ void TavXmlElement::linkText(std::string appended) {
   _updateXMLParam();
 }
 
-void TavXmlElement::setChildren(TavXmlElement& child) {
-  children.push_back(child);
-}
+void TavXmlElement::setChildren(TavXmlElement& child) { children.push_back(child); }
 
-void TavXmlElement::setChildren(TavXmlElement&& child) {
-  children.push_back(std::move(child));
-}
+void TavXmlElement::setChildren(TavXmlElement&& child) { children.push_back(std::move(child)); }
 
 std::string TavXmlElement::getElement() {
   if (text.empty()) {
@@ -62,21 +54,13 @@ std::string TavXmlElement::getElement() {
   return element;
 }
 
-std::string TavXmlElement::getName() const {
-  return name;
-}
+std::string TavXmlElement::getName() const { return name; }
 
-std::string TavXmlElement::getText() const {
-  return text;
-}
+std::string TavXmlElement::getText() const { return text; }
 
-std::vector<TavXmlElement> TavXmlElement::getChildren() const {
-  return children;
-}
+std::vector<TavXmlElement> TavXmlElement::getChildren() const { return children; }
 
-const std::vector<TavXmlElement>& TavXmlElement::childrenView() const {
-  return children;
-}
+const std::vector<TavXmlElement>& TavXmlElement::childrenView() const { return children; }
 
 void TavXmlElement::_updateXMLParam() {
   nameLength = name.length();

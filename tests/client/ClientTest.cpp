@@ -10,12 +10,11 @@
 #include <utility>
 #include <vector>
 
-#include "Commands.h"
+#include "WorkerFixture.h"
 #include "client/Client.h"
 #include "common/RobotEvent.h"
 #include "support/Polling.h"
 #include "support/ProcessProbe.h"
-#include "support/ScriptedController.h"
 #include "support/TemporaryHome.h"
 
 using namespace std::chrono_literals;
@@ -23,24 +22,12 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-class ClientTest : public ::testing::Test {
-protected:
-  void Connect() {
-    ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
-    ASSERT_TRUE(controller.Accept());
-  }
-
-  void TearDown() override { client.FinalizeSocket(); }
-
-  tavtest::ScriptedController controller;
-  Client client;
-  Message result;
-};
-
 // The one slow case. Refused settings keep the defaults, so the first heartbeat comes nine
 // seconds after the connect; meanwhile a call waiting for its reply burns no CPU, and it wakes
 // as soon as the reply is filed.
-TEST_F(ClientTest, RefusedSettingsKeepTheNineSecondHeartbeatAndAWaitingCallBurnsNoCpu) {
+TEST(ClientTest, RefusedSettingsKeepTheNineSecondHeartbeatAndAWaitingCallBurnsNoCpu) {
+  tavtest::ScriptedController controller;
+  Client client;
   const std::vector<std::pair<double, double>> refused{{0, 20},       {-1, 20}, {NAN, 20},
                                                        {1, HUGE_VAL}, {5, 5},   {6, 5}};
   for (const auto& [period, limit] : refused) {
@@ -51,11 +38,13 @@ TEST_F(ClientTest, RefusedSettingsKeepTheNineSecondHeartbeatAndAWaitingCallBurns
     EXPECT_EQ(RobotEvents::kInvalidArgument, client.SetReplyTimeout(timeout)) << timeout;
   }
   const auto start = Clock::now();
-  ASSERT_NO_FATAL_FAILURE(Connect());
+  ASSERT_EQ(RobotEvents::kSuccess, client.InitializeSocket("127.0.0.1", controller.PortArg()));
+  ASSERT_TRUE(controller.Accept());
   tavsim::ClientMessage command;
   ASSERT_EQ(RobotEvents::kSuccess, client.AddTasks(CommandTask("get_velocity", 3)));
   ASSERT_TRUE(controller.ReceiveCommand("get_velocity", command));
   const double cpuBefore = tavtest::ProcessCpuSeconds();
+  Message result;
   std::future<int> waiting =
       std::async(std::launch::async, [&] { return client.GetResult("get_velocity3", result); });
   ASSERT_TRUE(controller.ReceiveHeart(15s));
@@ -70,23 +59,15 @@ TEST_F(ClientTest, RefusedSettingsKeepTheNineSecondHeartbeatAndAWaitingCallBurns
   EXPECT_EQ("0.1", result["result1"]);
 }
 
-// The logger thread, once started, lives as long as the process: start it before counting.
-std::size_t ThreadsWithLoggerRunning() {
-  { Client warmUp; }
-  return tavtest::ThreadCount();
-}
-
-bool ThreadCountReturnsTo(std::size_t expected) {
-  return tavtest::PollUntil(2s, [expected] { return tavtest::ThreadCount() == expected; });
-}
-
+// The logger thread, once started, lives as long as the process: a first Client starts it.
 TEST(ClientLifecycleTest, ConstructorThatThrowsJoinsTheWorkersItStarted) {
-  const std::size_t baseline = ThreadsWithLoggerRunning();
+  { Client warmUp; }
+  const std::size_t baseline = tavtest::ThreadCount();
   const tavtest::TemporaryDirectory directory;
   std::ofstream(directory.Path() + "/TavClientResource.properties") << "LOG_PATH=/nowhere\n";
   const tavtest::WorkingDirectory inDirectory(directory.Path());
   EXPECT_THROW(Client client, std::out_of_range);
-  EXPECT_TRUE(ThreadCountReturnsTo(baseline))
+  EXPECT_TRUE(tavtest::PollUntil(2s, [baseline] { return tavtest::ThreadCount() == baseline; }))
       << tavtest::ThreadCount() << " threads, " << baseline << " expected";
 }
 
@@ -111,8 +92,9 @@ TEST(ClientLifecycleTest, AResetSeenByBothWorkersIsReportedOnce) {
         2s, [&] { return (failed = client.AddTasks(CommandTask("stop", 0))) != 0; }));
     EXPECT_TRUE(tavtest::PollUntil(2s, [] {
       for (const std::string& line : tavtest::LogLines(::getenv("HOME"))) {
-        if (line.find("Sender thread send failed.") != std::string::npos)
+        if (line.find("Sender thread send failed.") != std::string::npos) {
           return true;
+        }
       }
       return false;
     })) << "the Sender met the reset too";

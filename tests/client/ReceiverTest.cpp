@@ -7,15 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "Commands.h"
 #include "WorkerFixture.h"
 #include "client/MessageFramer.h"
 #include "client/Receiver.h"
-#include "common/RobotEvent.h"
 #include "common/TavLogger.h"
 #include "common/TavResource.h"
 #include "core/ControllerReplies.h"
-#include "support/ClientSocket.h"
 #include "support/Polling.h"
 #include "support/TemporaryHome.h"
 
@@ -36,8 +33,7 @@ protected:
   // Writes `bytes` and waits until the Receiver has taken them, so they make exactly one read.
   AssertionResult SendAsOneRead(const std::string& bytes) {
     AssertionResult sent = controller.Send(bytes);
-    if (sent)
-      sent = controller.WaitDelivered();
+    sent = sent ? controller.WaitDelivered() : sent;
     return sent ? tavtest::WaitQueueEmpty(socket.Get(), FIONREAD, 5s) : sent;
   }
 
@@ -47,22 +43,19 @@ protected:
   }
 };
 
-// Both in one write and nothing after them: neither may wait for a later read.
-TEST_F(ReceiverTest, FilesEveryMessageOfARead) {
+// Both in one write and nothing after them: neither may wait for a later read. Pieces smaller
+// than that read are then framed from their own bytes alone.
+TEST_F(ReceiverTest, FilesEveryMessageOfAReadAndFramesEachReadFromItsOwnBytes) {
   Message result;
-  ASSERT_TRUE(SendAsOneRead(Reply("1", "recover") + Reply("2", "stop")));
+  ASSERT_TRUE(SendAsOneRead(Reply("1", "recover") +
+                            Reply("2", "get_pose", "0", {{"result1", std::string(800, '7')}})));
   ASSERT_EQ(RobotEvents::kSuccess, Collect("recover1", result));
-  EXPECT_EQ(RobotEvents::kSuccess, Collect("stop2", result, 1s));
-}
-
-TEST_F(ReceiverTest, PiecesSmallerThanAnEarlierReadAreFramedFromTheirOwnBytes) {
-  Message result;
-  ASSERT_TRUE(SendAsOneRead(Reply("3", "get_pose", "0", {{"result1", std::string(800, '7')}})));
-  ASSERT_EQ(RobotEvents::kSuccess, Collect("get_pose3", result));
+  EXPECT_EQ(RobotEvents::kSuccess, Collect("get_pose2", result, 1s));
 
   const std::string small = Reply("4", "get_io", "5", {{"result1", "1"}});
-  for (std::size_t at = 0; at < small.size(); at += 40)
+  for (std::size_t at = 0; at < small.size(); at += 40) {
     ASSERT_TRUE(SendAsOneRead(small.substr(at, 40)));
+  }
   ASSERT_EQ(RobotEvents::kSuccess, Collect("get_io4", result));
   EXPECT_EQ((Message{{"identifier", "get_io4"}, {"state", "5"}, {"result1", "1"}}), result);
 }
@@ -123,27 +116,6 @@ TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
   EXPECT_EQ("1", result["result1"]) << "the next reply of that name is kept";
 }
 
-// The lines logged after the line "INFO: <tag> from" up to "INFO: <tag> to", once written.
-std::vector<std::string> LoggedBetween(const std::string& tag) {
-  TavLogger::GetInstance().Info("%s to", tag.c_str());
-  std::vector<std::string> between;
-  EXPECT_TRUE(tavtest::PollUntil(10s, [&] {
-    between.clear();
-    bool inside = false;
-    for (const std::string& line : tavtest::LogLines(std::getenv("HOME"))) {
-      if (line.size() > 20 && line.compare(20, std::string::npos, "INFO: " + tag + " from") == 0) {
-        inside = true;
-      } else if (inside && line.compare(20, std::string::npos, "INFO: " + tag + " to") == 0) {
-        return true;
-      } else if (inside) {
-        between.push_back(line);
-      }
-    }
-    return false;
-  }));
-  return between;
-}
-
 TEST_F(ReceiverTest, AFloodOfUnaskedRepliesIsCappedLogsAFewCountedLinesAndLeavesTheSessionUsable) {
   ASSERT_EQ(TavResource::GetInstance().Load(), 0);
   TavLogger::GetInstance().StartLogging();
@@ -166,7 +138,9 @@ TEST_F(ReceiverTest, AFloodOfUnaskedRepliesIsCappedLogsAFewCountedLinesAndLeaves
   controller.Close();  // the Receiver logs the counts it holds when the connection ends
   ASSERT_EQ(EventLog::WaitFor(1), Events{RobotEvents::kReceiveFailed});
 
-  const std::vector<std::string> lines = LoggedBetween("flood");
+  TavLogger::GetInstance().Info("flood to");
+  const std::vector<std::string> lines =
+      tavtest::LinesBetween(std::getenv("HOME"), "flood from", "flood to");
   std::size_t bytes = 0;
   long unasked = 0;
   const std::regex counted(R"(recv (\d+) more msgs nobody asked for in the last \d+ s\.$)");

@@ -3,7 +3,6 @@
 
 #include <chrono>
 
-#include "Commands.h"
 #include "WorkerFixture.h"
 #include "client/Sender.h"
 #include "common/RobotEvent.h"

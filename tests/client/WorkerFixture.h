@@ -6,49 +6,59 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <cstddef>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <utility>
 #include <vector>
 
+#include "client/Tasks.h"
 #include "common/RobotEvent.h"
 #include "core/LoopbackListener.h"
-#include "support/ClientSocket.h"
 #include "support/ScriptedController.h"
 
-// What a worker reports through its plain-function callback, on any thread; Add fits the
-// callback. One list per type of value.
-template <typename Value>
-class Recorder {
+using Message = std::map<std::string, std::string>;
+using Events = std::vector<Robot_Event>;
+
+// A command task as the robot layer queues it, from client 7.
+inline Tasks CommandTask(const std::string& functionName, int timestamp, Message parameters = {}) {
+  Tasks task{Tasks::kCommand, std::move(parameters)};
+  task.params["timestamp"] = std::to_string(timestamp);
+  task.params["ClientID"] = "7";
+  task.params["function_name"] = functionName;
+  return task;
+}
+
+// What a worker reports through its plain-function callback, on any thread.
+class EventLog {
 public:
-  static void Add(Value value) {
+  static void Add(Robot_Event event) {
     {
       std::lock_guard<std::mutex> lock(mutex);
-      values.push_back(value);
+      events.push_back(event);
     }
     changed.notify_all();
   }
 
   static void Clear() {
     std::lock_guard<std::mutex> lock(mutex);
-    values.clear();
+    events.clear();
   }
 
-  // The values once there are `count` of them, or those there are after `wait`.
-  static std::vector<Value> WaitFor(std::size_t count, std::chrono::milliseconds wait = std::chrono::seconds(5)) {
+  // The events once there are `count` of them, or those there are after `wait`.
+  static Events WaitFor(std::size_t count,
+                        std::chrono::milliseconds wait = std::chrono::seconds(5)) {
     std::unique_lock<std::mutex> lock(mutex);
-    changed.wait_for(lock, wait, [count] { return values.size() >= count; });
-    return values;
+    changed.wait_for(lock, wait, [count] { return events.size() >= count; });
+    return events;
   }
 
 private:
   static inline std::mutex mutex;
   static inline std::condition_variable changed;
-  static inline std::vector<Value> values;
+  static inline Events events;
 };
-
-using EventLog = Recorder<Robot_Event>;
-using Events = std::vector<Robot_Event>;
 
 // A running Sender or Receiver loaded with one end of a loopback connection whose other end
 // the test drives as the controller; its events go to the EventLog.
@@ -64,7 +74,9 @@ protected:
 
   // The shutdown ends a receive in progress, so the worker can be joined.
   void TearDown() override {
-    if (worker) worker->Unload();
+    if (worker) {
+      worker->Unload();
+    }
     ::shutdown(socket.Get(), SHUT_RDWR);
   }
 

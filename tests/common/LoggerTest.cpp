@@ -1,27 +1,24 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <optional>
+#include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "common/LocalTime.h"
 #include "common/LogFile.h"
-#include "common/LogRecord.h"
 #include "common/TavLogger.h"
 #include "common/TavResource.h"
-#include "support/Polling.h"
 #include "support/ProcessProbe.h"
 #include "support/TemporaryHome.h"
 
@@ -36,15 +33,15 @@ std::time_t SampleStart() {
   std::tm local{};
   ::strptime("2026-01-02 03:04:05", "%Y-%m-%d %H:%M:%S", &local);
   local.tm_isdst = -1;
-  return std::mktime(&local);
+  return ::mktime(&local);
 }
 
-// Loads the directories under `home` (working there, away from any properties file) and starts
-// the logger.
-void StartLoggingUnder(const std::string& home) {
+// Loads the directories with HOME at `home` (unset for nullopt), working in `work`, away from
+// any properties file, and starts the logger.
+void StartLogging(const std::optional<std::string>& home, const std::string& work) {
   const tavtest::ScopedHome homeVariable(home);
-  const tavtest::WorkingDirectory inside(home);
-  ASSERT_EQ(TavResource::GetInstance().Load(), 0);
+  const tavtest::WorkingDirectory inside(work);
+  TavResource::GetInstance().Load();
   TavLogger::GetInstance().StartLogging();
 }
 
@@ -52,7 +49,7 @@ void StartLoggingUnder(const std::string& home) {
 // own, whatever ran before. The directory outlives the logger, which drains at exit.
 const std::string& LoggingHome() {
   static const tavtest::TemporaryDirectory home;
-  static const bool started = (StartLoggingUnder(home.Path()), true);
+  static const bool started = (StartLogging(home.Path(), home.Path()), true);
   static_cast<void>(started);
   return home.Path();
 }
@@ -69,43 +66,43 @@ Files FilesIn(const std::string& directory) {
   return files;
 }
 
-// The logged lines without their time ("YYYY-mm-dd HH:MM:SS "); a line without one is kept
-// whole behind a "?".
-std::vector<std::string> LoggedTexts(const std::string& home) {
-  std::vector<std::string> texts = tavtest::LogLines(home);
-  for (std::string& line : texts) {
+// Log lines without their time ("YYYY-mm-dd HH:MM:SS "); a line without one is kept whole
+// behind a "?".
+std::vector<std::string> Untimed(std::vector<std::string> lines) {
+  for (std::string& line : lines) {
     const bool timed = line.size() >= 20 && line[4] == '-' && line[10] == ' ' && line[16] == ':' &&
                        line[19] == ' ';
     line = timed ? line.substr(20) : "?" + line;
   }
-  return texts;
+  return lines;
 }
 
-// Queues a last record and returns the logged texts once it is written: records are written in
-// queue order, so everything queued before it is there too.
-std::vector<std::string> LoggedThroughNow(const std::string& tag) {
+// The texts logged since the record "<tag> begin", once a last record "<tag> end" is written.
+std::vector<std::string> LoggedSince(const std::string& tag) {
   TavLogger::GetInstance().Info("%s end", tag.c_str());
-  std::vector<std::string> texts;
-  EXPECT_TRUE(tavtest::PollUntil(std::chrono::seconds(10), [&] {
-    texts = LoggedTexts(LoggingHome());
-    return !texts.empty() && texts.back() == "INFO: " + tag + " end";
-  }));
-  return texts;
+  return Untimed(tavtest::LinesBetween(LoggingHome(), tag + " begin", tag + " end"));
 }
 
-// The texts that begin with `head`, and "<head>0" ... "<head><count - 1>".
-std::vector<std::string> Starting(const std::vector<std::string>& texts, const std::string& head) {
-  std::vector<std::string> matching;
-  std::copy_if(texts.begin(), texts.end(), std::back_inserter(matching),
-               [&](const std::string& text) { return text.compare(0, head.size(), head) == 0; });
-  return matching;
-}
-std::vector<std::string> Numbered(const std::string& head, int count) {
-  std::vector<std::string> texts;
-  for (int i = 0; i < count; ++i) {
-    texts.push_back(head + std::to_string(i));
+// Expects the texts that begin with `head` to be "<head>0" ... "<head><count - 1>".
+void ExpectNumbered(const std::vector<std::string>& texts, const std::string& head, int count) {
+  std::vector<std::string> matching, expected;
+  for (const std::string& text : texts) {
+    if (text.compare(0, head.size(), head) == 0) {
+      matching.push_back(text);
+    }
   }
-  return texts;
+  for (int i = 0; i < count; ++i) {
+    expected.push_back(head + std::to_string(i));
+  }
+  EXPECT_EQ(matching, expected) << head;
+}
+
+std::set<std::string> RootEntries() {
+  std::set<std::string> names;
+  for (const auto& entry : fs::directory_iterator("/")) {
+    names.insert(entry.path().filename().string());
+  }
+  return names;
 }
 
 }  // namespace
@@ -150,43 +147,33 @@ TEST(LogFileTest, FillsEachFileWithWholeLinesAndKeepsOnlyTheNewestOfTheLibrarysF
                                        }));
 }
 
-TEST(TavLoggerTest, WritesTheLevelTheEventAboveInfoAndTheFormattedText) {
+// Levels out of range are refused and leave everything logged, as by default.
+TEST(TavLoggerTest, WritesTheLevelTheEventAboveInfoAndTheFormattedTextOfRecordsNotBelowItsLevel) {
   LoggingHome();
   TavLogger& logger = TavLogger::GetInstance();
+  ASSERT_EQ(logger.GetLevel(), TAV_DEBUG);
+  EXPECT_EQ(logger.SetLevel(-1), 1006011);
+  EXPECT_EQ(logger.SetLevel(TAV_FATAL + 1), 1006011);
+  logger.Info("format begin");
   logger.Info("format info");
   logger.Warning(7, "%s warning", "format");
   logger.Error(TAV_FATAL, -1, "format error");
   logger.Info("");
   logger.Info("%5d|%ld|%%d|%c|%f|%s|%u|plain dufsc|100%", 42, 42, 7, 'A', 1.5, "text", 3000000000u);
+  ASSERT_EQ(logger.SetLevel(TAV_ERROR), 0);
+  logger.Info("level info");
+  logger.Warning(1, "level warning");
+  logger.Error(TAV_DEBUG, 2, "level error");
+  ASSERT_EQ(logger.SetLevel(TAV_DEBUG), 0);
   const std::vector<std::string> expected{
       "INFO: format info",
       "WARNING (7): format warning",
       "ERROR (4294967295): format error",
       "INFO: ",
       "INFO: 542|l42|7|65|1.500000|text|-1294967296|plain dufsc|100",
-      "INFO: format end",
+      "ERROR (2): level error",
   };
-  const std::vector<std::string> texts = LoggedThroughNow("format");
-  EXPECT_TRUE(texts.size() >= expected.size() &&
-              std::equal(expected.rbegin(), expected.rend(), texts.rbegin()));
-}
-
-TEST(TavLoggerTest, DropsRecordsBelowItsLevelAndRefusesLevelsOutOfRange) {
-  LoggingHome();
-  TavLogger& logger = TavLogger::GetInstance();
-  ASSERT_EQ(logger.GetLevel(), TAV_DEBUG) << "everything by default";
-  EXPECT_EQ(logger.SetLevel(-1), 1006011);
-  EXPECT_EQ(logger.SetLevel(TAV_FATAL + 1), 1006011);
-  EXPECT_EQ(logger.GetLevel(), TAV_DEBUG);
-  ASSERT_EQ(logger.SetLevel(TAV_ERROR), 0);
-  logger.Info("level info");
-  logger.Warning(1, "level warning");
-  logger.Error(TAV_DEBUG, 2, "level error");
-  ASSERT_EQ(logger.SetLevel(TAV_DEBUG), 0);
-  const std::vector<std::string> texts = LoggedThroughNow("level");
-  ASSERT_GE(texts.size(), 2u);
-  EXPECT_EQ(texts[texts.size() - 2], "ERROR (2): level error");
-  EXPECT_EQ(std::count(texts.begin(), texts.end(), "WARNING (1): level warning"), 0);
+  EXPECT_EQ(LoggedSince("format"), expected);
 }
 
 TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
@@ -194,8 +181,9 @@ TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
   static int runs = 0;  // tells the records of a repeated run from the earlier ones
   const std::string tag = "threads" + std::to_string(++runs);
   const std::size_t threads = tavtest::ThreadCount();
-  StartLoggingUnder(LoggingHome());
+  StartLogging(LoggingHome(), LoggingHome());
   constexpr int kThreads = 4, kRecords = 100;
+  TavLogger::GetInstance().Info("%s begin", tag.c_str());
   std::vector<std::thread> producers;
   for (int t = 0; t < kThreads; ++t) {
     producers.emplace_back([&tag, t] {
@@ -207,15 +195,12 @@ TEST(TavLoggerTest, StartsOnceAndKeepsEveryRecordOfSeveralThreadsInTheirOrder) {
   for (std::thread& producer : producers) {
     producer.join();
   }
-  const std::vector<std::string> texts = LoggedThroughNow(tag);
+  const std::vector<std::string> texts = LoggedSince(tag);
   for (int t = 0; t < kThreads; ++t) {
-    const std::string head = "INFO: " + tag + " " + std::to_string(t) + ":";
-    EXPECT_EQ(Starting(texts, head), Numbered(head, kRecords));
+    ExpectNumbered(texts, "INFO: " + tag + " " + std::to_string(t) + ":", kRecords);
   }
   EXPECT_EQ(tavtest::ThreadCount(), threads);
-  EXPECT_EQ(std::distance(fs::directory_iterator(LoggingHome() + "/TavClient/log"),
-                          fs::directory_iterator()),
-            1);
+  EXPECT_EQ(FilesIn(LoggingHome() + "/TavClient/log").size(), 1u);
 }
 
 // An exit test ends a child process that runs the test program again for that test alone, so
@@ -227,14 +212,13 @@ TEST(TavLoggerExitTest, TwoProcessesStartedInTheSameSecondKeepEveryLineOfBoth) {
   constexpr int kRecords = 2000;
   EXPECT_EXIT(
       {
-        std::this_thread::sleep_until(
-            std::chrono::system_clock::from_time_t(std::time(nullptr) + 1) +
-            std::chrono::milliseconds(50));
+        std::this_thread::sleep_until(std::chrono::system_clock::from_time_t(::time(nullptr) + 1) +
+                                      std::chrono::milliseconds(50));
         std::vector<pid_t> children;
         for (int c = 0; c < 2; ++c) {
           children.push_back(::fork());
           if (children.back() == 0) {
-            StartLoggingUnder(home.Path());
+            StartLogging(home.Path(), home.Path());
             for (int i = 0; i < kRecords; ++i) {
               TavLogger::GetInstance().Info("child %d:%d", c, i);
             }
@@ -251,39 +235,69 @@ TEST(TavLoggerExitTest, TwoProcessesStartedInTheSameSecondKeepEveryLineOfBoth) {
       },
       ::testing::ExitedWithCode(0), ::testing::StrEq(""))
       << "a usable HOME needs no word on stderr";
-  const std::vector<std::string> texts = LoggedTexts(home.Path());
-  for (const std::string head : {"INFO: child 0:", "INFO: child 1:"}) {
-    EXPECT_EQ(Starting(texts, head), Numbered(head, kRecords));
-  }
+  const std::vector<std::string> texts = Untimed(tavtest::LogLines(home.Path()));
+  ExpectNumbered(texts, "INFO: child 0:", kRecords);
+  ExpectNumbered(texts, "INFO: child 1:", kRecords);
   EXPECT_EQ(texts.size(), 2u * kRecords);
   EXPECT_EQ(FilesIn(home.Path() + "/TavClient/log").size(), 1u) << "both named one file";
 }
 
-TEST(TavLoggerExitTest, TakesItsLevelFromTheEnvironmentAndSaysWhenThatNamesNone) {
+// Each case logs from a child process, whose logger is fresh, in a directory of its own ("$" in
+// the texts): HOME is "$/home" or unset, the working directory "$/work", `blocker` a regular
+// file where the library would make a directory, TAVCLIENT_LOG_LEVEL `level` or unset. Without
+// a usable HOME or log directory the log goes to the working directory, without that too
+// nowhere; the line on stderr says which, and nothing ever lands in "/". The reasons a HOME is
+// not usable are the resource's (see ResourceTest); one will do here.
+TEST(TavLoggerExitTest, TakesItsLevelFromTheEnvironmentAndFallsBackFromAnUnusableHome) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const std::vector<std::string> both{"INFO: exit info", "WARNING (3): exit warning"};
   const struct {
-    const char* value;
+    bool homeSet;
+    std::string blocker;
+    const char* level;
+    std::string stderrText, logUnder;
     std::vector<std::string> logged;
-    std::string stderrText;
   } cases[] = {
-      {"2", {"WARNING (3): env warning"}, ""},
-      {"debug",
-       {"INFO: env info", "WARNING (3): env warning"},
-       "tavclient: TAVCLIENT_LOG_LEVEL=debug is not a level from 0 to 4; logging everything\n"},
+      {true, "", "2", "", "home", {"WARNING (3): exit warning"}},
+      {true, "", "debug",
+       "TAVCLIENT_LOG_LEVEL=debug is not a level from 0 to 4; logging everything", "home", both},
+      {false, "", nullptr, "HOME is not usable (unset); logging to $/work/TavClient/log", "work",
+       both},
+      // "log" exists, so the directory counts as made, but no file opens inside it.
+      {true, "home/TavClient/log", nullptr,
+       "cannot write a log file in $/home/TavClient/log; logging to $/work/TavClient/log", "work",
+       both},
+      {false, "work/TavClient", nullptr, "HOME is not usable (unset); logging nothing", "work", {}},
   };
-  for (const auto& levelCase : cases) {
-    const tavtest::ExitTestDirectory home;
+  const std::set<std::string> rootBefore = RootEntries();
+  const tavtest::ExitTestDirectory shared;
+  for (std::size_t index = 0; index < std::size(cases); ++index) {
+    const auto& c = cases[index];
+    SCOPED_TRACE(c.stderrText);
+    // getcwd, which the library asks, resolves links.
+    const std::string directory =
+        fs::canonical(shared.Path()).string() + "/" + std::to_string(index);
+    fs::create_directories(directory + "/home/TavClient");
+    fs::create_directories(directory + "/work");
+    if (!c.blocker.empty()) {
+      std::ofstream(directory + "/" + c.blocker) << "x";
+    }
+    const std::string placed = std::regex_replace(c.stderrText, std::regex(R"(\$)"), directory);
     EXPECT_EXIT(
         {
-          ::setenv("TAVCLIENT_LOG_LEVEL", levelCase.value, 1);
-          StartLoggingUnder(home.Path());
-          TavLogger::GetInstance().Info("env info");
-          TavLogger::GetInstance().Warning(3, "env warning");
+          c.level ? ::setenv("TAVCLIENT_LOG_LEVEL", c.level, 1) : ::unsetenv("TAVCLIENT_LOG_LEVEL");
+          fs::current_path(directory + "/work");  // where the logger thread looks for it
+          StartLogging(c.homeSet ? std::optional(directory + "/home") : std::nullopt,
+                       directory + "/work");
+          TavLogger::GetInstance().Info("exit info");
+          TavLogger::GetInstance().Warning(3, "exit warning");
           std::exit(0);
         },
-        ::testing::ExitedWithCode(0), ::testing::StrEq(levelCase.stderrText));
-    EXPECT_EQ(LoggedTexts(home.Path()), levelCase.logged) << levelCase.value;
+        ::testing::ExitedWithCode(0),
+        ::testing::StrEq(placed.empty() ? "" : "tavclient: " + placed + "\n"));
+    EXPECT_EQ(Untimed(tavtest::LogLines(directory + "/" + c.logUnder)), c.logged);
   }
+  EXPECT_EQ(RootEntries(), rootBefore);
 }
 
 TEST(TavLoggerExitTest, ALoggerThatNeverStartedDoesNotHoldUpExit) {

@@ -10,7 +10,6 @@
 
 #include "common/TavResource.h"
 #include "common/TavUtils.h"
-#include "support/TemporaryDirectory.h"
 #include "support/TemporaryHome.h"
 
 namespace fs = std::filesystem;
@@ -18,36 +17,31 @@ namespace fs = std::filesystem;
 TEST(TavUtilsTest, TimeStampCountsToTenThousandTwoHundredFortyThenWraps) {
   _TavTimeStamp = 0;
   int mismatches = 0;
-  for (int expected = 1; expected <= 10240; ++expected)
+  for (int expected = 1; expected <= 10240; ++expected) {
     mismatches += GetTimeStamp() != expected;
+  }
   EXPECT_EQ(mismatches, 0);
   EXPECT_EQ(GetTimeStamp(), 1);
 }
 
+// Parents first, on either separator (on Linux each backslash prefix is a directory of its
+// own), relative or absolute, up to 256 characters; the resource tests below meet its failures.
 TEST(TavUtilsTest,
      CreateDirectoryMakesParentsFirstOnBothSeparatorsUpToTwoHundredFiftySixCharacters) {
   const tavtest::TemporaryDirectory temporary;
-  const std::string& base = temporary.Path();
-  EXPECT_EQ(createDirectory(base + "/a/b/c"), 0);
-  EXPECT_EQ(createDirectory(base + "/a/b/c"), 0) << "an existing tree is no error";
-  EXPECT_TRUE(fs::is_directory(base + "/a/b/c"));
-  // On Linux each backslash prefix is a directory of its own.
-  EXPECT_EQ(createDirectory(base + "/p\\q"), 0);
-  EXPECT_TRUE(fs::is_directory(base + "/p\\") && fs::is_directory(base + "/p\\q"));
-  std::ofstream(base + "/file") << "x";
-  EXPECT_EQ(createDirectory(base + "/file/below"), 1005011);
-
-  const std::string first = base + "/" + std::string(100, 'd');
-  const std::string tooLong = first + "/" + std::string(257 - first.size() - 1, 'e');
-  ASSERT_EQ(tooLong.size(), 257u);
-  EXPECT_EQ(createDirectory(tooLong), 1005011);
-  EXPECT_FALSE(fs::exists(first)) << "nothing is made for a path that is too long";
-  EXPECT_EQ(createDirectory(tooLong.substr(0, 256)), 0);
-  EXPECT_TRUE(fs::is_directory(tooLong.substr(0, 256)));
-
+  const std::string base = temporary.Path() + "/";
   const tavtest::WorkingDirectory inside(base);
-  EXPECT_EQ(createDirectory("r/s/"), 0);
-  EXPECT_TRUE(fs::is_directory(base + "/r/s"));
+  const std::string first = base + std::string(100, 'd');
+  const std::string longest = first + "/" + std::string(255 - first.size(), 'e');
+  EXPECT_EQ(createDirectory(longest + "e"), 1005011);
+  EXPECT_FALSE(fs::exists(first)) << "nothing is made for a path that is too long";
+  for (const std::string& path : {base + "a/b/c", base + "p\\q", std::string("r/s/"), longest}) {
+    EXPECT_EQ(createDirectory(path), 0) << path;
+  }
+  for (const std::string& made :
+       {base + "a/b/c", base + "p\\", base + "p\\q", base + "r/s", longest}) {
+    EXPECT_TRUE(fs::is_directory(made)) << made;
+  }
 }
 
 // HOME on a fresh directory, and a working directory of its own for the properties file.
@@ -60,28 +54,27 @@ protected:
   // The base without a usable HOME; getcwd, which the library asks, resolves links.
   const std::string localBase = fs::canonical(workingDirectory.Path()).string() + "/TavClient";
   TavResource& resource = TavResource::GetInstance();
+
+  // The log and repository paths are set and made under `base`.
+  void ExpectPathsUnder(const std::string& base) {
+    EXPECT_EQ(resource.GetLogPath(), base + "/log");
+    EXPECT_EQ(resource.GetRepositoryPath(), base + "/repository");
+    EXPECT_TRUE(fs::is_directory(base + "/log") && fs::is_directory(base + "/repository"));
+  }
 };
 
 // A file of comments only reads as none.
 TEST_F(TavResourceTest, WithoutAKeyInAPropertiesFileMakesTheDefaultsUnderHome) {
   std::ofstream(properties) << "/* TAVCLIENT_PATH=/elsewhere */\n\n";
   EXPECT_EQ(resource.Load(), 0);
-  EXPECT_TRUE(resource.IsLoaded());
-  EXPECT_EQ(resource.GetHome(), home.Path());
-  EXPECT_EQ(resource.GetBasePath(), home.Path() + "/TavClient");
-  EXPECT_EQ(resource.GetLogPath(), home.Path() + "/TavClient/log");
-  EXPECT_EQ(resource.GetRepositoryPath(), home.Path() + "/TavClient/repository");
   EXPECT_EQ(resource.GetHomeNotice(), "");
-  EXPECT_TRUE(fs::is_directory(resource.GetLogPath()) &&
-              fs::is_directory(resource.GetRepositoryPath()));
+  ExpectPathsUnder(home.Path() + "/TavClient");
 }
 
-// Any content but empty lines and block comments makes the properties reader throw: Load has
-// read HOME then and made nothing.
+// Any content but empty lines and block comments makes the properties reader throw.
 TEST_F(TavResourceTest, APropertiesFileWithAKeyThrowsBeforeMakingAnything) {
   std::ofstream(properties) << "LOG_PATH=" << home.Path() << "/logs\n";
   EXPECT_THROW(resource.Load(), std::out_of_range);
-  EXPECT_EQ(resource.GetHome(), home.Path());
   EXPECT_TRUE(fs::is_empty(home.Path()));
 }
 
@@ -102,11 +95,8 @@ TEST_F(TavResourceTest, WithoutAUsableHomeMakesTheDirectoriesInTheWorkingDirecto
     const tavtest::ScopedHome homeOfTheCase(value);
     EXPECT_EQ(resource.Load(), 0);
     EXPECT_EQ(resource.GetHomeNotice(), "HOME is not usable (" + reason + ")");
-    EXPECT_EQ(resource.GetBasePath(), localBase);
-    EXPECT_EQ(resource.GetLogPath(), localBase + "/log");
-    EXPECT_EQ(resource.GetRepositoryPath(), localBase + "/repository");
+    ExpectPathsUnder(localBase);
   }
-  EXPECT_TRUE(fs::is_directory(localBase + "/log") && fs::is_directory(localBase + "/repository"));
   EXPECT_TRUE(fs::is_empty(deep));
 }
 
@@ -115,7 +105,6 @@ TEST_F(TavResourceTest, ADirectoryThatCannotBeMadeGivesTheFailureCodeAndNoPathOf
   std::ofstream(localBase) << "x";
   const tavtest::ScopedHome homeUnset(std::nullopt);
   EXPECT_EQ(resource.Load(), 1005011);
-  EXPECT_EQ(resource.GetBasePath(), localBase);
   EXPECT_EQ(resource.GetLogPath(), localBase + "/log") << "set before it failed";
   EXPECT_EQ(resource.GetRepositoryPath(), "");
 }

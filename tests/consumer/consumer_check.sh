@@ -22,11 +22,11 @@ readelf -d "$libdir/libtavclient.so.0" | grep -q 'SONAME.*\[libtavclient\.so\.0\
 app=$work/app
 mkdir "$app"
 cp "$source_dir/tests/consumer/CMakeLists.txt" "$app/"
-awk '/^## Use it in an application/ { section = 1 }
+awk '/^## Use it from C\+\+/ { section = 1 }
      section && /^```cpp/ { code = 1; next }
      code && /^```/ { exit }
      code' "$source_dir/README.md" >"$app/my_app.cpp"
-[ -s "$app/my_app.cpp" ] || fail "no C++ block in the README's \"Use it in an application\""
+[ -s "$app/my_app.cpp" ] || fail "no C++ block in the README's \"Use it from C++\""
 
 
 # Runs the application against the simulator of the tree it was built against, started on a free

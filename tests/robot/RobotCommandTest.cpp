@@ -24,11 +24,12 @@ struct WireCase {
   int checksum;
 };
 
-class RobotCommandTest : public RobotTest {
+class RobotCommandTest : public LoggedInRobotTest {
 protected:
   // One call of every command family and its exact text.
   std::vector<WireCase> EveryCommand() {
     Robot& r = robot;
+    const std::string unitAcceleration = "<acceleration>1.000000</acceleration>";
     return {
         {[&] { return r.recover(); }, "recover", "", 758},
         {[&] { return r.stop(); }, "stop", "", 454},
@@ -37,52 +38,58 @@ protected:
         {[&] { return r.Shutdown(); }, "finalize", "", 850},
         {[&] { return r.move_to_angles(3, 10.0, 0.5f, 0.25f, Relative_Mode::Relative); },
          "move_to_angles",
-         "<acceleration>0.250000</acceleration><block>0</block><motor_ids>[\"3\"]</"
-         "motor_ids><position>[10.000000]"
-         "</position><relative>1</relative><velocity>0.500000</velocity>",
+         R"(<acceleration>0.250000</acceleration><block>0</block><motor_ids>["3"]</motor_ids>)"
+         "<position>[10.000000]</position><relative>1</relative><velocity>0.500000</velocity>",
          3281},
         {[&] { return r.moveL(3, path, kReals, 1.0f, 1.0f, 0.0f, Traj_Close_Mode::Closed); },
          "moveL",
-         "<acceleration>1.000000</acceleration><closed>1</closed><interval>0.000000</"
-         "interval><points>[" +
-             kP + "," + kP + "," + kP +
-             "]</points><radius>[0.000000]</radius><velocity>1.000000</velocity>",
+         unitAcceleration + "<closed>1</closed><interval>0.000000</interval><points>[" + kP + "," +
+             kP + "," + kP + "]</points><radius>[0.000000]</radius><velocity>1.000000</velocity>",
          11208},
         {[&] { return r.moveL(2, path, kReals, 1.0f, 1.0f, 0.0f, Traj_Close_Mode::Open); }, "moveL",
-         "<acceleration>1.000000</acceleration><closed>0</closed><interval>0.000000</"
-         "interval><points>[" +
-             kP + "," + kP +
-             "]</points><radius>[0.000000,90.000000]</radius><velocity>1.000000</velocity>",
+         unitAcceleration + "<closed>0</closed><interval>0.000000</interval><points>[" + kP + "," +
+             kP + "]</points><radius>[0.000000,90.000000]</radius><velocity>1.000000</velocity>",
          8760},
         {[&] { return r.moveP(0, path, 1.0f, 1.0f, 0.0f, Traj_Close_Mode::Closed); }, "moveP",
-         "<acceleration>1.000000</acceleration><closed>1</closed><interval>0.000000</"
-         "interval><points>[]</points>"
-         "<velocity>1.000000</velocity>",
+         unitAcceleration + "<closed>1</closed><interval>0.000000</interval><points>[]</points>"
+                            "<velocity>1.000000</velocity>",
          1900},
         {[&] { return r.move_to_pose(kPose, 0.5f, 0.25f, Relative_Mode::Absolute); },
          "move_to_position",
          "<acceleration>0.250000</acceleration><block>0</block><position>" + kP +
              "</position><relative>0</relative><velocity>0.500000</velocity>",
          5499},
-        {[&] { return r.hold(4); }, "hold", "<motor_ids>[\"4\"]</motor_ids>", 727},
-        {[&] { return r.release(2, kIds); }, "release", "<motor_ids>[\"1\",\"2\"]</motor_ids>",
+        {[&] { return r.hold(4); }, "hold", R"(<motor_ids>["4"]</motor_ids>)", 727},
+        {[&] { return r.release(2, kIds); }, "release", R"(<motor_ids>["1","2"]</motor_ids>)",
          1200},
-        {[&] { return r.wait_for_motors(6); }, "wait_for_motors", "<motor_ids>[\"6\"]</motor_ids>",
+        {[&] { return r.wait_for_motors(6); }, "wait_for_motors", R"(<motor_ids>["6"]</motor_ids>)",
          1936},
         {[&] { return r.set_output(2, kIds, kSignals); }, "set_output",
-         "<motor_ids>[\"1\",\"2\"]</motor_ids><signal>{\"1\": 0,\"2\": 1}</signal>", 2383},
+         R"(<motor_ids>["1","2"]</motor_ids><signal>{"1": 0,"2": 1}</signal>)", 2383},
         {[&] { return r.set_EOAT_action("gripper", "open"); }, "set_EOAT_action",
          "<action>open</action><name>gripper</name>", 2652},
-        {[&] { return r.get_current(2, value); }, "get_current", "<motor_ids>[\"2\"]</motor_ids>",
+        {[&] { return r.get_current(2, value); }, "get_current", R"(<motor_ids>["2"]</motor_ids>)",
          1488},
         {[&] { return r.get_current(2, kIds, values); }, "get_angles",
-         "<motor_ids>[\"1\",\"2\"]</motor_ids>", 1512},
+         R"(<motor_ids>["1","2"]</motor_ids>)", 1512},
         {[&] { return r.get_input(2, kIds, inputs); }, "get_input",
-         "<motor_ids>[\"1\",\"2\"]</motor_ids>", 1438},
+         R"(<motor_ids>["1","2"]</motor_ids>)", 1438},
         {[&] { return r.get_pose(pose); }, "get_position", "", 1300},
         {[&] { return r.inverse(kPose, values); }, "inverse", "<position>" + kP + "</position>",
          3650},
     };
+  }
+
+  // The exact text of the last command sent, from its parameter elements and checksum.
+  std::string CommandText(const std::string& parameters, int checksum) {
+    std::string clientId;
+    robot.GetClientIP(clientId);
+    const std::string block =
+        parameters.empty() ? "<parameter />" : "<parameter>" + parameters + "</parameter>";
+    return "<root><head><timestamp>" + sent.timestamp + "</timestamp><ClientID>" + clientId +
+           "</ClientID></head><function>" + block + "<name>" + sent.functionName +
+           "</name></function><tail><checksum>" + std::to_string(checksum) +
+           "</checksum></tail></root>";
   }
 
   _Pose path[3] = {kPose, kPose, kPose};
@@ -94,13 +101,12 @@ protected:
 
 TEST_F(RobotCommandTest, LoginThenEveryCommandSendsItsExactText) {
   EXPECT_EQ(hello.raw,
-            "<root><head><identifier>ClientInfo</identifier></head><ClientInfo><version>0.1.0</"
-            "version><system>windows"
-            "</system><language>CPP</language></ClientInfo><tail><checksum>1243</checksum></tail></"
-            "root>");
+            "<root><head><identifier>ClientInfo</identifier></head><ClientInfo><version>0.1.0"
+            "</version><system>windows</system><language>CPP</language></ClientInfo><tail>"
+            "<checksum>1243</checksum></tail></root>");
   for (const WireCase& wire : EveryCommand()) {
     SCOPED_TRACE(wire.wireName);
-    EXPECT_EQ(Ask(wire.call, wire.wireName, "[1, 2, 3, 4, 5, 6]"), 0);
+    Ask(wire.call, wire.wireName, "[1, 2, 3, 4, 5, 6]");
     EXPECT_EQ(sent.raw, CommandText(wire.parameters, wire.checksum));
   }
 }
@@ -114,27 +120,25 @@ TEST_F(RobotCommandTest, ASessionSetsUpDiscoversTheMotorIdsForTheAllMotorFormsAn
   EXPECT_EQ(count, 0u);
   EXPECT_EQ(Exchange([&] { return robot.hold(); }, "hold"), 0);
   EXPECT_EQ(sent.raw, CommandText("<motor_ids>[]</motor_ids>", 607));
-  EXPECT_EQ(Ask([&] { return robot.forward(kReals, pose); }, "forward", "[1,2,3,4,5,6]"), 0);
+  Ask([&] { return robot.forward(kReals, pose); }, "forward", "[1,2,3,4,5,6]");
   EXPECT_EQ(sent.raw, CommandText("<angles>[]</angles>", 941));
 
   std::future<int> setup = Start([&] { return robot.Setup("arm", kChannel, Setup_Mode::Virtual); });
   ASSERT_TRUE(Step(controller.ReceiveCommand("Robot", sent)) && Step(controller.Reply(sent)));
-  EXPECT_EQ(sent.raw,
-            CommandText(
-                "<name>arm</name><parameters>{\"channel_name\": \"can0\",\"channel_type\": \"can\","
-                "\"protocol\": \"canopen\",\"host_id\": 1,\"baud_rate\": 500000}</parameters>"
-                "<virtual>1</virtual>",
-                9125));
+  EXPECT_EQ(sent.raw, CommandText(R"(<name>arm</name><parameters>{"channel_name": "can0",)"
+                                  R"("channel_type": "can","protocol": "canopen","host_id": 1,)"
+                                  R"("baud_rate": 500000}</parameters><virtual>1</virtual>)",
+                                  9125));
   ASSERT_TRUE(Step(controller.ReceiveCommand("get_motor_ids", sent)));
   EXPECT_EQ(sent.raw, CommandText("", 1391));
   // The ids are the consecutive numbers the reply names: 8 is not one of them.
   ASSERT_TRUE(Step(controller.Reply(sent, "0", {{"result1", "[1, 2, 3, 4, 5, 6, 8]"}})));
   EXPECT_EQ(setup.get(), 0);
 
-  EXPECT_EQ(Ask([&] { return robot.get_current(values); }, "get_current", "[0.5]"), 0);
-  EXPECT_EQ(sent.parameters["motor_ids"], "[\"1\",\"2\",\"3\",\"4\",\"5\",\"6\"]");
+  Ask([&] { return robot.get_current(values); }, "get_current", "[0.5]");
+  EXPECT_EQ(sent.parameters["motor_ids"], R"(["1","2","3","4","5","6"])");
   const double angles[6] = {0.0, 0.5, 1.0, 1.5, 2.0, 2.5};
-  EXPECT_EQ(Ask([&] { return robot.forward(angles, pose); }, "forward", "[1,2,3,4,5,6]"), 0);
+  Ask([&] { return robot.forward(angles, pose); }, "forward", "[1,2,3,4,5,6]");
   EXPECT_EQ(sent.parameters["angles"], "[0.000000,0.500000,1.000000,1.500000,2.000000,2.500000]");
   EXPECT_EQ(robot.RobotLogout(), 0);
   EXPECT_TRUE(controller.ExpectClientClosed());

@@ -10,18 +10,11 @@
 #include "common/TavUtils.h"
 #include "support/ScriptedController.h"
 
-// A logged-in Robot facing a scripted controller on 127.0.0.1. Robot calls block until their
-// reply, so each runs on its own thread while the test plays the controller's part.
+// A Robot facing a scripted controller on 127.0.0.1. Robot calls block until their reply, so
+// each runs on its own thread while the test plays the controller's part.
 class RobotTest : public ::testing::Test {
 protected:
   using Results = tavtest::ScriptedController::Results;
-
-  void SetUp() override {
-    std::future<int> login = Start([this] { return robot.RobotLogin("127.0.0.1", controller.PortArg()); });
-    if (Step(controller.Accept()) && Step(controller.ReceiveClientInfo(hello))) Step(controller.SendConnResult());
-    ASSERT_EQ(login.get(), 0);
-    robot.GetClientIP(clientId);
-  }
 
   template <typename Call>
   static std::future<int> Start(Call call) {
@@ -31,42 +24,58 @@ protected:
   // A failed step closes the controller's side, so that a call waiting for its reply returns.
   bool Step(const ::testing::AssertionResult& step) {
     EXPECT_TRUE(step);
-    if (!step) controller.Close();
+    if (!step) {
+      controller.Close();
+    }
     return static_cast<bool>(step);
+  }
+
+  // Logs `target` in, the controller taking its ClientInfo into `hello`.
+  ::testing::AssertionResult LogIn(Robot& target) {
+    std::future<int> login =
+        Start([&] { return target.RobotLogin("127.0.0.1", controller.PortArg()); });
+    if (Step(controller.Accept()) && Step(controller.ReceiveClientInfo(hello))) {
+      Step(controller.SendConnResult());
+    }
+    const int code = login.get();
+    return code == 0 ? ::testing::AssertionSuccess()
+                     : ::testing::AssertionFailure() << "login returned " << code;
   }
 
   // Runs `call` while the controller takes the command `wireName` into `sent` and answers it.
   // The command must draw exactly one request counter value and carry it.
   template <typename Call>
-  int Exchange(Call call, const std::string& wireName, const std::string& state = "0", const Results& results = {}) {
+  int Exchange(Call call, const std::string& wireName, const std::string& state = "0",
+               const Results& results = {}) {
     const int before = GetTimeStamp();
     std::future<int> result = Start(call);
-    if (Step(controller.ReceiveCommand(wireName, sent))) Step(controller.Reply(sent, state, results));
+    if (Step(controller.ReceiveCommand(wireName, sent))) {
+      Step(controller.Reply(sent, state, results));
+    }
     const int code = result.get();
     EXPECT_EQ(sent.timestamp, std::to_string(before + 1));
     EXPECT_EQ(GetTimeStamp(), before + 2) << "one counter value per command";
     return code;
   }
 
-  // A query answered with state `state` and the result list `result1`.
+  // A query answered with state `state` and the result list `result1`: it returns the state.
   template <typename Call>
-  int Ask(Call call, const std::string& wireName, const std::string& result1, const std::string& state = "0") {
-    return Exchange(call, wireName, state, {{"result1", result1}});
-  }
-
-  // The exact text of the last command sent, from its parameter elements and checksum.
-  std::string CommandText(const std::string& parameters, int checksum) const {
-    const std::string block = parameters.empty() ? "<parameter />" : "<parameter>" + parameters + "</parameter>";
-    return "<root><head><timestamp>" + sent.timestamp + "</timestamp><ClientID>" + clientId + "</ClientID></head>"
-           "<function>" + block + "<name>" + sent.functionName + "</name></function><tail><checksum>" +
-           std::to_string(checksum) + "</checksum></tail></root>";
+  void Ask(Call call, const std::string& wireName, const std::string& result1,
+           const std::string& state = "0") {
+    EXPECT_EQ(Exchange(call, wireName, state, {{"result1", result1}}), std::stoi(state))
+        << wireName;
   }
 
   tavtest::ScriptedController controller;
   Robot robot;
   tavsim::ClientMessage hello;
   tavsim::ClientMessage sent;
-  std::string clientId;
+};
+
+// The same, with the Robot logged in.
+class LoggedInRobotTest : public RobotTest {
+protected:
+  void SetUp() override { ASSERT_TRUE(LogIn(robot)); }
 };
 
 #endif

@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <future>
 #include <string>
-#include <vector>
 
 #include "common/RobotEvent.h"
 #include "core/LoopbackListener.h"
@@ -24,37 +23,16 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 // A Robot that is not logged in, and a controller that takes its logins.
-class RobotSessionTest : public ::testing::Test {
+class RobotSessionTest : public RobotTest {
 protected:
-  ::testing::AssertionResult LogIn(Robot& target) {
-    std::future<int> login = std::async(
-        std::launch::async, [&] { return target.RobotLogin("127.0.0.1", controller.PortArg()); });
-    tavsim::ClientMessage hello;
-    ::testing::AssertionResult played = controller.Accept();
-    if (played)
-      played = controller.ReceiveClientInfo(hello);
-    if (played)
-      played = controller.SendConnResult();
-    if (!played)
-      controller.Close();
-    const int code = login.get();
-    if (!played)
-      return played;
-    return code == 0 ? ::testing::AssertionSuccess()
-                     : ::testing::AssertionFailure() << "login returned " << code;
-  }
-
   // Starts get_angles into `angle` and waits until the controller has its request, which stays
   // unanswered.
   std::future<int> PendingQuery() {
-    std::future<int> query =
-        std::async(std::launch::async, [&] { return robot.get_angles(1, angle); });
+    std::future<int> query = Start([&] { return robot.get_angles(1, angle); });
     EXPECT_TRUE(controller.ReceiveCommand("get_angles", pending));
     return query;
   }
 
-  tavtest::ScriptedController controller;
-  Robot robot;
   tavsim::ClientMessage pending;
   double angle = 0.0;
 };
@@ -101,18 +79,6 @@ TEST_F(RobotSessionTest, AControllerThatFallsSilentFailsTheSessionAtTheLimit) {
   EXPECT_LT(waited, 900ms) << "the limit and 100 ms, with room for a loaded machine";
   EXPECT_EQ(robot.stop(), RobotEvents::kControllerSilent);
   EXPECT_TRUE(LogIn(robot));
-}
-
-// Busy with a long command, a controller still answers heartbeats: it is never failed.
-TEST_F(RobotSessionTest, ABusyControllerThatAnswersHeartbeatsIsNotFailed) {
-  ASSERT_EQ(robot.SetHeartbeat(0.05, 0.5), 0);
-  ASSERT_TRUE(LogIn(robot));
-  std::future<int> wait = std::async(std::launch::async, [&] { return robot.wait_for_motors(1); });
-  std::vector<tavsim::ClientMessage> commands;
-  ASSERT_TRUE(controller.AnswerHeartsFor(1500ms, commands));
-  ASSERT_EQ(commands.size(), 1u);
-  ASSERT_TRUE(controller.Reply(commands[0]));
-  EXPECT_EQ(wait.get(), 0);
 }
 
 TEST_F(RobotSessionTest, LogoutFromAnotherThreadReleasesAWaitingCall) {

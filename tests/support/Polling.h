@@ -1,6 +1,9 @@
 #ifndef TAVTEST_SUPPORT_POLLING_H
 #define TAVTEST_SUPPORT_POLLING_H
 
+#include <gtest/gtest.h>
+#include <sys/ioctl.h>
+
 #include <chrono>
 #include <thread>
 
@@ -18,6 +21,19 @@ bool PollUntil(std::chrono::milliseconds wait, Condition condition) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return true;
+}
+
+// Waits until the socket queue that ioctl `request` measures is empty: FIONREAD, bytes not yet
+// read from the socket; SIOCOUTQ, bytes written but not yet taken by the peer. Both together
+// turn one write into exactly one read on the other side.
+inline ::testing::AssertionResult WaitQueueEmpty(int socket, unsigned long request,
+                                                 std::chrono::milliseconds wait) {
+  int queued = 0;
+  if (PollUntil(wait, [&] { return ::ioctl(socket, request, &queued) == 0 && queued == 0; })) {
+    return ::testing::AssertionSuccess();
+  }
+  return ::testing::AssertionFailure()
+         << queued << " bytes still queued after " << wait.count() << " ms";
 }
 
 }  // namespace tavtest

@@ -1,10 +1,9 @@
 #include "support/ScriptedController.h"
 
 #include <linux/sockios.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 
-#include "support/ClientSocket.h"
+#include "support/Polling.h"
 
 namespace tavtest {
 
@@ -24,22 +23,22 @@ std::string Describe(const std::string& text) {
 }  // namespace
 
 void ScriptedController::Reset() {
-  if (!connection_)
+  if (!connection)
     return;
   const linger abort{1, 0};
-  ::setsockopt(connection_->NativeHandle(), SOL_SOCKET, SO_LINGER, &abort, sizeof abort);
-  connection_->Close();
+  ::setsockopt(connection->NativeHandle(), SOL_SOCKET, SO_LINGER, &abort, sizeof abort);
+  connection->Close();
 }
 
 AssertionResult ScriptedController::Accept(Wait wait) {
-  connection_ = listener_.Accept(wait);
-  if (!connection_)
+  connection = listener.Accept(wait);
+  if (!connection)
     return AssertionFailure() << "no client connected within " << wait.count() << " ms";
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::Connected() const {
-  if (!connection_ || !connection_->IsOpen())
+  if (!connection || !connection->IsOpen())
     return AssertionFailure() << "the controller has no open connection";
   return AssertionSuccess();
 }
@@ -49,10 +48,10 @@ AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::s
   const std::string expected = std::string(tavsim::ToString(kind)) + " message " + functionName;
   if (AssertionResult connected = Connected(); !connected)
     return connected;
-  const std::optional<std::string> text = connection_->ReadMessage(wait);
+  const std::optional<std::string> text = connection->ReadMessage(wait);
   if (!text) {
     return AssertionFailure() << "expected a " << expected << ", but "
-                              << (connection_->PeerClosed() ? "the client closed" : "none came")
+                              << (connection->PeerClosed() ? "the client closed" : "none came")
                               << " within " << wait.count() << " ms";
   }
   message = tavsim::DecodeClientMessage(*text);
@@ -64,40 +63,17 @@ AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::s
   return AssertionSuccess();
 }
 
-AssertionResult ScriptedController::AnswerHeartsFor(Wait window,
-                                                    std::vector<tavsim::ClientMessage>& others) {
-  const auto end = std::chrono::steady_clock::now() + window;
-  for (auto now = std::chrono::steady_clock::now(); now < end;
-       now = std::chrono::steady_clock::now()) {
-    if (AssertionResult connected = Connected(); !connected)
-      return connected;
-    const std::optional<std::string> text =
-        connection_->ReadMessage(std::chrono::duration_cast<Wait>(end - now));
-    if (!text && connection_->PeerClosed())
-      return AssertionFailure() << "the client closed";
-    if (!text)
-      continue;
-    const tavsim::ClientMessage message = tavsim::DecodeClientMessage(*text);
-    if (message.kind != ClientMessageKind::Heart) {
-      others.push_back(message);
-    } else if (AssertionResult answered = Send(tavsim::HeartReplyMessage()); !answered) {
-      return answered;
-    }
-  }
-  return AssertionSuccess();
-}
-
 AssertionResult ScriptedController::ExpectNoMessage(Wait wait, bool closed) {
   if (AssertionResult connected = Connected(); !connected)
     return connected;
-  if (const std::optional<std::string> text = connection_->ReadMessage(wait)) {
+  if (const std::optional<std::string> text = connection->ReadMessage(wait)) {
     return AssertionFailure() << "expected nothing from the client, got " << Describe(*text);
   }
-  if (!closed && connection_->Framer().Buffered() != 0) {
-    return AssertionFailure() << "expected nothing, got " << connection_->Framer().Buffered()
+  if (!closed && connection->Framer().Buffered() != 0) {
+    return AssertionFailure() << "expected nothing, got " << connection->Framer().Buffered()
                               << " bytes";
   }
-  if (closed && !connection_->PeerClosed()) {
+  if (closed && !connection->PeerClosed()) {
     return AssertionFailure() << "the client did not close the connection within " << wait.count()
                               << " ms";
   }
@@ -107,7 +83,7 @@ AssertionResult ScriptedController::ExpectNoMessage(Wait wait, bool closed) {
 AssertionResult ScriptedController::Send(const std::string& bytes) {
   if (AssertionResult connected = Connected(); !connected)
     return connected;
-  if (!connection_->Write(bytes))
+  if (!connection->Write(bytes))
     return AssertionFailure() << "could not write \"" << bytes << "\" to the client";
   return AssertionSuccess();
 }
@@ -115,7 +91,7 @@ AssertionResult ScriptedController::Send(const std::string& bytes) {
 AssertionResult ScriptedController::WaitDelivered(Wait wait) {
   if (AssertionResult connected = Connected(); !connected)
     return connected;
-  return WaitQueueEmpty(connection_->NativeHandle(), SIOCOUTQ, wait);
+  return WaitQueueEmpty(connection->NativeHandle(), SIOCOUTQ, wait);
 }
 
 }  // namespace tavtest

@@ -28,9 +28,9 @@ public:
   using Results = std::vector<std::pair<std::string, std::string>>;
   static constexpr Wait kDefaultWait{5000};
 
-  std::uint16_t Port() const { return listener_.Port(); }
+  std::uint16_t Port() const { return listener.Port(); }
   // The port as Client::InitializeSocket takes it.
-  short PortArg() const { return static_cast<short>(listener_.Port()); }
+  short PortArg() const { return static_cast<short>(listener.Port()); }
 
   Result Accept(Wait wait = kDefaultWait);
 
@@ -46,9 +46,6 @@ public:
     tavsim::ClientMessage message;
     return Receive(tavsim::ClientMessageKind::Heart, "", message, wait);
   }
-  // Plays a controller busy with a long command for `window`: answers every heartbeat and keeps
-  // whatever else comes in `others`.
-  Result AnswerHeartsFor(Wait window, std::vector<tavsim::ClientMessage>& others);
   // Nothing at all arrives within `window`.
   Result ExpectSilence(Wait window) { return ExpectNoMessage(window, false); }
   // The client closes its side within `wait`, sending nothing more.
@@ -59,7 +56,6 @@ public:
   Result SendConnResult(const std::string& result = "0") {
     return Send(tavsim::ConnResultMessage(result));
   }
-  Result SendError(const std::string& code) { return Send(tavsim::ErrorMessage(code)); }
   // The reply to `command`, matched to it by its function name and timestamp.
   Result Reply(const tavsim::ClientMessage& command, const std::string& state = "0",
                const Results& results = {}) {
@@ -71,8 +67,8 @@ public:
   Result WaitDelivered(Wait wait = kDefaultWait);
 
   void Close() {
-    if (connection_)
-      connection_->Close();
+    if (connection)
+      connection->Close();
   }
   // Aborts the connection: the client's next read fails with a reset instead of seeing an end.
   void Reset();
@@ -84,8 +80,8 @@ private:
   // Reads for `wait`; fails when a message, or with `closed` no close, came instead.
   Result ExpectNoMessage(Wait wait, bool closed);
 
-  tavsim::LoopbackListener listener_;
-  std::optional<tavsim::Connection> connection_;
+  tavsim::LoopbackListener listener;
+  std::optional<tavsim::Connection> connection;
 };
 
 }  // namespace tavtest

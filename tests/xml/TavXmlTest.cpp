@@ -2,60 +2,50 @@
 
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "xml/TavXmlDocument.h"
 #include "xml/TavXmlElement.h"
 
-TEST(TavXmlElement, WritesShortFormWhileTextIsEmptyAndTextsUnescaped) {
-  TavXmlElement emptyText("a");
-  emptyText.setText("");
-  EXPECT_EQ(TavXmlElement("a").getElement(), "<a />");
-  EXPECT_EQ(emptyText.getElement(), "<a />");
-  EXPECT_EQ(TavXmlElement().getElement(), "< />");
-  TavXmlElement raw("a");
-  raw.setText("1<2&3");
-  EXPECT_EQ(raw.getElement(), "<a>1<2&3</a>");
-  EXPECT_EQ(raw.getElement(), "<a>1<2&3</a>");
-}
-
-TEST(TavXmlElement, SetTextInsertsWithoutRemovingAndLinkTextReplacesTheKnownLength) {
-  TavXmlElement root("root");
-  root.linkText("<a>1</a>");
-  root.linkText("<b>2</b>");
-  EXPECT_EQ(root.getElement(), "<root><a>1</a><b>2</b></root>");
-  TavXmlElement twice("a");
-  twice.setText("old");
-  twice.setText("new");
-  EXPECT_EQ(twice.getElement(), "<a>newold</a>");
-  EXPECT_EQ(twice.getText(), "new");
-  twice.linkText("+");
-  EXPECT_EQ(twice.getElement(), "<a>new+old</a>");
-}
-
-TEST(TavXmlElement, PositionsStayStaleAfterShortFormRewrite) {
-  TavXmlElement stale("a");
-  ASSERT_EQ(stale.getElement(), "<a />");
-  stale.setText("x");
-  EXPECT_EQ(stale.getElement(), "<a x/>");
-}
-
 namespace {
 
 // "name=text" for a leaf, "name{child,child}" for a parent.
-std::string describe(const TavXmlElement& element) {
-  const std::vector<TavXmlElement> children = element.getChildren();
-  if (children.empty()) {
+std::string Describe(const TavXmlElement& element) {
+  if (element.childrenView().empty()) {
     return element.getName() + "=" + element.getText();
   }
   std::string out = element.getName() + "{";
-  for (std::size_t i = 0; i < children.size(); ++i) {
-    out += (i == 0 ? "" : ",") + describe(children[i]);
+  for (const TavXmlElement& child : element.childrenView()) {
+    out += (out.back() == '{' ? "" : ",") + Describe(child);
   }
   return out + "}";
 }
 
 }  // namespace
+
+// The short form while the text is empty, texts unescaped; setText inserts without removing,
+// linkText writes over the known text's length; positions stay stale after a short form.
+TEST(TavXmlElement, KeepsTheQuirksOfItsSerialisedText) {
+  TavXmlElement emptyText("a"), raw("a"), root("root"), twice("a"), stale("a");
+  emptyText.setText("");
+  raw.setText("1<2&3");
+  root.linkText("<a>1</a>");
+  root.linkText("<b>2</b>");
+  twice.setText("old");
+  twice.setText("new");
+  EXPECT_EQ(TavXmlElement("a").getElement(), "<a />");
+  EXPECT_EQ(TavXmlElement().getElement(), "< />");
+  EXPECT_EQ(emptyText.getElement(), "<a />");
+  EXPECT_EQ(raw.getElement(), "<a>1<2&3</a>");
+  EXPECT_EQ(raw.getElement(), "<a>1<2&3</a>");
+  EXPECT_EQ(root.getElement(), "<root><a>1</a><b>2</b></root>");
+  EXPECT_EQ(twice.getElement(), "<a>newold</a>");
+  EXPECT_EQ(twice.getText(), "new");
+  twice.linkText("+");
+  EXPECT_EQ(twice.getElement(), "<a>new+old</a>");
+  ASSERT_EQ(stale.getElement(), "<a />");
+  stale.setText("x");
+  EXPECT_EQ(stale.getElement(), "<a x/>");
+}
 
 // One document reads every text in turn, so each parse must also drop the tree before it.
 TEST(TavXmlDocument, BuildsTreesOfTheShapesBothSidesWriteAndKeepsTheNameSearchQuirks) {
@@ -77,7 +67,7 @@ TEST(TavXmlDocument, BuildsTreesOfTheShapesBothSidesWriteAndKeepsTheNameSearchQu
   for (auto c : cases) {
     SCOPED_TRACE(c.text);
     ASSERT_EQ(document.parse(c.text), 0);
-    EXPECT_EQ(describe(document.getRoot()), c.tree);
+    EXPECT_EQ(Describe(document.rootView()), c.tree);
   }
   std::string nested = "<a><a>1</a></a>", closeFirst = "</a>x<a>y", root = "<root>T</root>";
   EXPECT_EQ(document._getElement(nested, "a").getText(), "<a>1");
@@ -112,11 +102,11 @@ TEST(TavXmlDocument, RefusesTextsThatDescribeExponentiallyLargeTrees) {
   TavXmlDocument document;
   EXPECT_EQ(document.parse(text), TavXmlDocument::kTreeTooLarge);
   EXPECT_EQ(document.parse(fewer), 0);
-  EXPECT_EQ(describe(document.getRoot()), "root{m{a=1,a=1},m{a=1,a=1}}");
+  EXPECT_EQ(Describe(document.rootView()), "root{m{a=1,a=1},m{a=1,a=1}}");
   // A reply with nearly all its text in its deepest level builds about twice its length.
   std::string deep = "<root><head><state>0</state></head><result><result1>" +
                      std::string(4000, '7') + "</result1></result></root>";
   EXPECT_EQ(document.parse(deep), 0);
-  EXPECT_EQ(describe(document.rootView()),
+  EXPECT_EQ(Describe(document.rootView()),
             "root{head{state=0},result{result1=" + std::string(4000, '7') + "}}");
 }
