@@ -69,6 +69,7 @@ int main(int argc, char** argv) {
   options.host = line->host;
   options.port = line->port;
   options.controller.motorCount = line->motors;
+  options.controller.limits = line->limits;
   options.view = line->view;
   if (!line->quiet) {
     options.log = PrintLine;

@@ -45,6 +45,19 @@ JointVector Arm::Positions(const std::vector<std::size_t>& motors, double now) c
   return result;
 }
 
+JointState Arm::State(const std::vector<std::size_t>& motors, double now) const {
+  JointState state;
+  for (std::size_t motor : motors) {
+    const Motor& m = motorStates[motor];
+    state.position.push_back(Position(motor, now));
+    state.velocity.push_back(Velocity(motor, now));
+    state.stoppingTime.push_back(
+        Moving(motor, now) ? m.motion->trajectory->StoppingTimeAt(now - m.motion->start)[m.column]
+                           : 0.0);
+  }
+  return state;
+}
+
 bool Arm::Moving(std::size_t motor, double now) const {
   const auto& motion = motorStates[motor].motion;
   return motion && now < motion->End();
@@ -78,9 +91,11 @@ std::vector<std::size_t> Arm::Halt(const std::vector<std::size_t>& motors, doubl
   for (std::size_t motor = 0; motor < motorStates.size(); ++motor) {
     const Motion* motion = motorStates[motor].motion.get();
     if (motion && std::find(stopping.begin(), stopping.end(), motion) != stopping.end()) {
-      _freeze(motor, now);
       halted.push_back(motor);
     }
+  }
+  if (!halted.empty()) {
+    Start(std::make_shared<Brake>(State(halted, now)), halted, now);
   }
   return halted;
 }

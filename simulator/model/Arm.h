@@ -25,6 +25,8 @@ public:
   double Velocity(std::size_t motor, double now) const;
   double Acceleration(std::size_t motor, double now) const;
   JointVector Positions(const std::vector<std::size_t>& motors, double now) const;
+  // Positions, speeds and stopping times of `motors`, for a motion that takes them over.
+  JointState State(const std::vector<std::size_t>& motors, double now) const;
   bool Moving(std::size_t motor, double now) const;
   // When the motor comes to rest if nothing intervenes (now for a motor at rest).
   double RestTime(std::size_t motor, double now) const;
@@ -34,8 +36,8 @@ public:
   // running motion leave it where they are; the rest of that motion carries on.
   void Start(std::shared_ptr<const Trajectory> trajectory, const std::vector<std::size_t>& motors,
              double now);
-  // Stops every running motion that drives one of `motors`, freezing all its motors where
-  // they are; returns the motors that were moving.
+  // Brakes every running motion that drives one of `motors`: all its motors slow down to rest
+  // at the acceleration of that motion. Returns the motors that were moving.
   std::vector<std::size_t> Halt(const std::vector<std::size_t>& motors, double now);
   void Hold(std::size_t motor) { motorStates[motor].released = false; }
   void Release(std::size_t motor) { motorStates[motor].released = true; }

@@ -9,6 +9,8 @@
 
 namespace tavsim {
 
+class PostureCheck;
+
 // One link in standard Denavit-Hartenberg form: T = Rz(theta) Tz(d) Tx(a) Rx(alpha).
 struct DhLink {
   double a;      // metres
@@ -35,15 +37,20 @@ public:
 
   // Every closed-form branch (up to eight: shoulder, wrist and elbow each two ways) that
   // reproduces the target, each joint wrapped into (-pi, pi]. When the wrist is singular
-  // (joint 5 at 0 or pi) joint 6 takes `wristHint` and joint 4 absorbs the rest.
+  // (joint 5 at 0 or pi) joint 6 takes `wristHint`, or the reachable angle nearest to it.
   std::vector<Joints> Solutions(const Transform& target, double wristHint = 0.0) const;
 
   // The branch closest to `current` (Euclidean in joint space), each joint shifted by whole
   // turns to the copy nearest to `current` within +-jointLimit; empty when unreachable.
+  // With `posture`, only branches it allows count.
   std::optional<Joints> NearestSolution(const Transform& target, const Joints& current,
-                                        double jointLimit) const;
+                                        double jointLimit,
+                                        const PostureCheck* posture = nullptr) const;
 
 private:
+  // Joints 2 to 4 for the given joints 1, 5 and 6; adds the branches that reach the target.
+  bool _solveArm(const Transform& target, double theta1, double theta5, double theta6,
+                 std::vector<Joints>& found) const;
   Transform _linkTransform(std::size_t index, double theta) const;
 
   Links links;

@@ -31,6 +31,10 @@ struct PathRequest {
            interval >= 0.0 && params.Flag("closed", closed);
   }
 
+  bool Within(double maxVelocity, double maxAcceleration) const {
+    return velocity <= maxVelocity && acceleration <= maxAcceleration;
+  }
+
   // The points as waypoints, returning to the first one when closed.
   std::vector<Waypoint> Waypoints(const std::vector<double>& radii) const {
     std::vector<Waypoint> result;
@@ -69,10 +73,13 @@ Reply SimulatedController::_launch(std::unique_ptr<Trajectory> trajectory,
 Reply SimulatedController::_launchToolPath(const std::vector<Waypoint>& waypoints, double velocity,
                                            double acceleration, double dwell, bool block,
                                            double now) {
-  JointVector start = _armJoints(now);
-  CartesianPath path(kinematics.Forward(JointsFromDegrees(start)), waypoints);
+  const ArmLimits& limits = planner.Limits();
+  if (velocity > limits.toolSpeed || acceleration > limits.toolAcceleration) {
+    return _done(StateCodes::kBadParameter);
+  }
   std::unique_ptr<Trajectory> trajectory;
-  int state = planner.ToolPath(start, path, velocity, acceleration, dwell, trajectory);
+  int state = planner.ToolPath(arm.State(_armMotors(), now), waypoints, velocity, acceleration,
+                               dwell, trajectory);
   if (state != StateCodes::kOk) {
     return _done(state);
   }
@@ -89,24 +96,29 @@ Reply SimulatedController::_moveToAngles(const ParamReader& params, double now) 
   if (!params.Ids("motor_ids", ids) || !params.Reals("position", positions) ||
       !params.Positive("velocity", velocity) || !params.Positive("acceleration", acceleration) ||
       !params.Flag("relative", relative) || !params.Flag("block", block) ||
-      ids.size() != positions.size() || HasDuplicates(ids)) {
+      ids.size() != positions.size() || HasDuplicates(ids) ||
+      velocity > planner.Limits().jointSpeed || acceleration > planner.Limits().jointAcceleration) {
     return _done(StateCodes::kBadParameter);
   }
   std::vector<std::size_t> motors;
   if (int state = _resolveMotors(ids, motors); state != StateCodes::kOk) {
     return _done(state);
   }
-  JointVector start = arm.Positions(motors, now);
+  JointState start = arm.State(motors, now);
   JointVector target = positions;
+  JointVector arm6 = _hasArm() ? _armJoints(now) : JointVector{};
   for (std::size_t i = 0; i < motors.size(); ++i) {
     if (arm.Released(motors[i])) {
       return _done(StateCodes::kMotorReleased);
     }
     if (relative) {
-      target[i] += start[i];
+      target[i] += start.position[i];
+    }
+    if (motors[i] < arm6.size()) {
+      arm6[motors[i]] = target[i];
     }
   }
-  if (!planner.WithinLimits(target)) {
+  if (!planner.WithinLimits(target) || (!arm6.empty() && !planner.Allows(arm6))) {
     return _done(StateCodes::kUnreachable);
   }
   return _launch(planner.JointPath(start, {target}, velocity, acceleration, 0.0), motors, block,
@@ -138,7 +150,8 @@ Reply SimulatedController::_moveToPosition(const ParamReader& params, double now
 
 Reply SimulatedController::_moveJ(const ParamReader& params, double now) {
   PathRequest request;
-  if (!request.Read(params)) {
+  if (!request.Read(params) ||
+      !request.Within(planner.Limits().jointSpeed, planner.Limits().jointAcceleration)) {
     return _done(StateCodes::kBadParameter);
   }
   if (int state = _armMotionCheck(); state != StateCodes::kOk) {
@@ -157,8 +170,8 @@ Reply SimulatedController::_moveJ(const ParamReader& params, double now) {
     // Back to the very joints of the first point, not merely to its pose.
     targets.back() = targets.front();
   }
-  auto trajectory =
-      planner.JointPath(start, targets, request.velocity, request.acceleration, request.interval);
+  auto trajectory = planner.JointPath(arm.State(_armMotors(), now), targets, request.velocity,
+                                      request.acceleration, request.interval);
   return _launch(std::move(trajectory), _armMotors(), false, now);
 }
 

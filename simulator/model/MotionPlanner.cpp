@@ -32,23 +32,73 @@ std::unique_ptr<Trajectory> ChainOrNull(std::vector<std::unique_ptr<Trajectory>>
 
 }  // namespace
 
-MotionPlanner::MotionPlanner(const ArmKinematics& model, double jointLimitDegrees)
-    : kinematics(model), jointLimit(jointLimitDegrees) {}
+// Speeds along a line within this share of the fastest one count as following it.
+constexpr double kAlongLineTolerance = 1e-6;
+
+MotionPlanner::MotionPlanner(const ArmKinematics& model, double jointLimitDegrees,
+                             const ArmLimits& armLimits)
+    : kinematics(model),
+      jointLimit(jointLimitDegrees),
+      limits(armLimits),
+      posture(kinematics, limits) {}
+
+bool MotionPlanner::Allows(const JointVector& armDegrees) const {
+  return posture.Allows(JointsFromDegrees(armDegrees));
+}
+
+JointVector MotionPlanner::_takeOver(const JointState& start, const JointVector* target,
+                                     std::vector<std::unique_ptr<Trajectory>>& parts,
+                                     double& rate) const {
+  rate = 0.0;
+  if (!start.Moving()) {
+    return start.position;
+  }
+  if (target != nullptr) {
+    // The leading joint's speed along the line, and whether every joint already follows it.
+    JointVector delta(start.position.size(), 0.0);
+    double length = 0.0;
+    double fastest = 0.0;
+    double along = 0.0;
+    double squared = 0.0;
+    for (std::size_t i = 0; i < delta.size(); ++i) {
+      delta[i] = (*target)[i] - start.position[i];
+      length = std::max(length, std::abs(delta[i]));
+      fastest = std::max(fastest, std::abs(start.velocity[i]));
+      along += start.velocity[i] * delta[i];
+      squared += delta[i] * delta[i];
+    }
+    bool follows = length > 0.0;
+    for (std::size_t i = 0; follows && i < delta.size(); ++i) {
+      follows =
+          std::abs(start.velocity[i] - delta[i] * along / squared) <= kAlongLineTolerance * fastest;
+    }
+    if (follows) {
+      rate = along / squared * length;
+      return start.position;
+    }
+  }
+  auto brake = std::make_unique<Brake>(start);
+  JointVector rest = brake->PositionAt(brake->Duration());
+  parts.push_back(std::move(brake));
+  return rest;
+}
 
 bool MotionPlanner::WithinLimits(const JointVector& joints) const {
   return std::all_of(joints.begin(), joints.end(),
                      [this](double joint) { return std::abs(joint) <= jointLimit; });
 }
 
-std::unique_ptr<Trajectory> MotionPlanner::JointPath(const JointVector& start,
+std::unique_ptr<Trajectory> MotionPlanner::JointPath(const JointState& start,
                                                      const std::vector<JointVector>& targets,
                                                      double velocity, double acceleration,
                                                      double dwell) const {
   std::vector<std::unique_ptr<Trajectory>> parts;
-  JointVector from = start;
+  double rate = 0.0;
+  JointVector from = _takeOver(start, targets.empty() ? nullptr : &targets.front(), parts, rate);
   for (const JointVector& target : targets) {
     AddDwell(parts, from, dwell);
-    parts.push_back(std::make_unique<JointRamp>(from, target, velocity, acceleration));
+    parts.push_back(std::make_unique<JointRamp>(from, target, velocity, acceleration, rate));
+    rate = 0.0;
     from = target;
   }
   return ChainOrNull(std::move(parts));
@@ -59,7 +109,7 @@ int MotionPlanner::JointTargetsFor(const JointVector& start, const std::vector<T
   ArmKinematics::Joints previous = JointsFromDegrees(start);
   double limit = DegToRad(jointLimit);
   for (const Transform& pose : poses) {
-    auto solution = kinematics.NearestSolution(pose, previous, limit);
+    auto solution = kinematics.NearestSolution(pose, previous, limit, &posture);
     if (!solution) {
       return StateCodes::kUnreachable;
     }
@@ -69,11 +119,13 @@ int MotionPlanner::JointTargetsFor(const JointVector& start, const std::vector<T
   return StateCodes::kOk;
 }
 
-int MotionPlanner::ToolPath(const JointVector& start, const CartesianPath& path, double velocity,
-                            double acceleration, double dwell,
+int MotionPlanner::ToolPath(const JointState& start, const std::vector<Waypoint>& waypoints,
+                            double velocity, double acceleration, double dwell,
                             std::unique_ptr<Trajectory>& out) const {
   std::vector<std::unique_ptr<Trajectory>> parts;
-  ArmKinematics::Joints joints = JointsFromDegrees(start);
+  double rate = 0.0;
+  ArmKinematics::Joints joints = JointsFromDegrees(_takeOver(start, nullptr, parts, rate));
+  CartesianPath path(kinematics.Forward(joints), waypoints);
   for (std::size_t run = 0; run < path.RunCount(); ++run) {
     AddDwell(parts, JointsToDegrees(joints), dwell);
     std::unique_ptr<Trajectory> sampled;
@@ -99,23 +151,26 @@ int MotionPlanner::_sampleRun(const CartesianPath& path, std::size_t run, double
   double step = duration / static_cast<double>(steps);
   double limit = DegToRad(jointLimit);
   double maxJump = DegToRad(kMaxJointStepDegrees);
+  // Refused rather than slowed: the finite-difference speed of every joint between samples.
+  double maxStep = DegToRad(limits.jointSpeed) * step * (1.0 + 1e-9);
 
   std::vector<JointVector> samples{JointsToDegrees(joints)};
   for (std::size_t i = 1; i <= steps; ++i) {
     Transform pose = path.PoseAt(run, profile.Position(step * static_cast<double>(i)));
-    auto solution = kinematics.NearestSolution(pose, joints, limit);
+    auto solution = kinematics.NearestSolution(pose, joints, limit, &posture);
     if (!solution) {
       return StateCodes::kUnreachable;
     }
     for (std::size_t j = 0; j < joints.size(); ++j) {
-      if (std::abs((*solution)[j] - joints[j]) > maxJump) {
+      double change = std::abs((*solution)[j] - joints[j]);
+      if (change > maxJump || change > maxStep) {
         return StateCodes::kUnreachable;
       }
     }
     joints = *solution;
     samples.push_back(JointsToDegrees(joints));
   }
-  out = std::make_unique<SampledTrajectory>(step, std::move(samples));
+  out = std::make_unique<SampledTrajectory>(step, std::move(samples), profile);
   return StateCodes::kOk;
 }
 

@@ -28,7 +28,7 @@ SimulatedController::SimulatedController(ControllerOptions options,
                                          std::shared_ptr<const Clock> sharedClock)
     : clock(std::move(sharedClock)),
       kinematics(ArmKinematics::Ur5()),
-      planner(kinematics, kJointLimitDegrees),
+      planner(kinematics, kJointLimitDegrees, options.limits),
       currentModel(kinematics),
       arm(StartAngles(options)),
       io(options.outputCount) {
@@ -173,7 +173,8 @@ void SimulatedController::_collectArrivals(double now) {
   };
   for (const Wait& wait : waits) {
     if (arrived(wait)) {
-      finished.push_back({wait.ticket, _done(StateCodes::kOk)});
+      finished.push_back({wait.ticket, _done(wait.interrupted ? StateCodes::kMotionInterrupted
+                                                              : StateCodes::kOk)});
     }
   }
   waits.erase(std::remove_if(waits.begin(), waits.end(), arrived), waits.end());
@@ -181,17 +182,13 @@ void SimulatedController::_collectArrivals(double now) {
 
 void SimulatedController::_haltMotors(const std::vector<std::size_t>& motors, double now) {
   std::vector<std::size_t> halted = arm.Halt(motors, now);
-  auto interrupted = [&halted](const Wait& wait) {
-    return std::any_of(wait.motors.begin(), wait.motors.end(), [&halted](std::size_t motor) {
-      return std::find(halted.begin(), halted.end(), motor) != halted.end();
-    });
-  };
-  for (const Wait& wait : waits) {
-    if (interrupted(wait)) {
-      finished.push_back({wait.ticket, _done(StateCodes::kMotionInterrupted)});
-    }
+  for (Wait& wait : waits) {
+    wait.interrupted =
+        wait.interrupted ||
+        std::any_of(wait.motors.begin(), wait.motors.end(), [&halted](std::size_t motor) {
+          return std::find(halted.begin(), halted.end(), motor) != halted.end();
+        });
   }
-  waits.erase(std::remove_if(waits.begin(), waits.end(), interrupted), waits.end());
 }
 
 void SimulatedController::_setDrives(const std::vector<std::size_t>& motors, bool limp) {

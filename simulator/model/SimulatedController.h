@@ -29,6 +29,8 @@ struct ControllerOptions {
   // Start positions in degrees, one per motor (missing ones start at 0): a bent, non-singular
   // arm with the tool pointing down.
   std::vector<double> initialAngles{0.0, -90.0, 90.0, -90.0, -90.0, 0.0};
+  // Speed and acceleration ceilings, floor and elbow folding.
+  ArmLimits limits;
 };
 
 // The content of a command reply: "state" text and "result1" text (empty: no result child).
@@ -82,6 +84,8 @@ private:
   struct Wait {
     std::uint64_t ticket;
     std::vector<std::size_t> motors;
+    // Its motion was halted: it ends with kMotionInterrupted once the motors stand still.
+    bool interrupted = false;
   };
 
   static const Command* _findCommand(const std::string& functionName);

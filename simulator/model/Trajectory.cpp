@@ -43,7 +43,12 @@ JointVector Trajectory::AccelerationAt(double t) const {
                     2.0 * kAccelerationStep);
 }
 
-JointRamp::JointRamp(JointVector start, JointVector to, double velocity, double acceleration)
+bool JointState::Moving() const {
+  return std::any_of(velocity.begin(), velocity.end(), [](double v) { return v != 0.0; });
+}
+
+JointRamp::JointRamp(JointVector start, JointVector to, double velocity, double acceleration,
+                     double initialRate)
     : from(std::move(start)),
       delta(Difference(to, from, 1.0)),
       length(0.0),
@@ -51,7 +56,7 @@ JointRamp::JointRamp(JointVector start, JointVector to, double velocity, double 
   for (double d : delta) {
     length = std::max(length, std::abs(d));
   }
-  profile = TrapezoidProfile(length, velocity, acceleration);
+  profile = TrapezoidProfile(length, velocity, acceleration, initialRate);
 }
 
 JointVector JointRamp::PositionAt(double t) const {
@@ -72,10 +77,57 @@ JointVector JointRamp::VelocityAt(double t) const {
   return velocity;
 }
 
+JointVector JointRamp::StoppingTimeAt(double t) const {
+  return JointVector(delta.size(), std::abs(profile.Velocity(t)) / profile.Acceleration());
+}
+
 Dwell::Dwell(JointVector where, double duration) : at(std::move(where)), seconds(duration) {}
 
-SampledTrajectory::SampledTrajectory(double interval, std::vector<JointVector> points)
-    : step(interval), samples(std::move(points)) {}
+Brake::Brake(JointState start) : from(std::move(start)) {
+  for (double& seconds : from.stoppingTime) {
+    seconds = std::max(0.0, seconds);
+    duration = std::max(duration, seconds);
+  }
+}
+
+JointVector Brake::PositionAt(double t) const {
+  JointVector position = from.position;
+  for (std::size_t i = 0; i < position.size(); ++i) {
+    double stop = from.stoppingTime[i];
+    double elapsed = std::clamp(t, 0.0, stop);
+    if (stop > 0.0) {
+      position[i] += from.velocity[i] * (elapsed - elapsed * elapsed / (2.0 * stop));
+    }
+  }
+  return position;
+}
+
+JointVector Brake::VelocityAt(double t) const {
+  JointVector velocity(from.velocity.size(), 0.0);
+  for (std::size_t i = 0; i < velocity.size(); ++i) {
+    double stop = from.stoppingTime[i];
+    if (t >= 0.0 && t < stop) {
+      velocity[i] = from.velocity[i] * (1.0 - t / stop);
+    }
+  }
+  return velocity;
+}
+
+JointVector Brake::StoppingTimeAt(double t) const {
+  JointVector left(from.stoppingTime.size(), 0.0);
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    left[i] = std::max(0.0, from.stoppingTime[i] - std::max(0.0, t));
+  }
+  return left;
+}
+
+SampledTrajectory::SampledTrajectory(double interval, std::vector<JointVector> points,
+                                     TrapezoidProfile speed)
+    : step(interval), samples(std::move(points)), timing(std::move(speed)) {}
+
+JointVector SampledTrajectory::StoppingTimeAt(double t) const {
+  return JointVector(samples.front().size(), std::abs(timing.Velocity(t)) / timing.Acceleration());
+}
 
 double SampledTrajectory::Duration() const {
   return step * static_cast<double>(samples.size() - 1);
@@ -126,6 +178,12 @@ JointVector TrajectoryChain::VelocityAt(double t) const {
   double local = 0.0;
   const Trajectory& part = _partAt(t, local);
   return part.VelocityAt(local);
+}
+
+JointVector TrajectoryChain::StoppingTimeAt(double t) const {
+  double local = 0.0;
+  const Trajectory& part = _partAt(t, local);
+  return part.StoppingTimeAt(local);
 }
 
 }  // namespace tavsim

@@ -28,6 +28,12 @@ bool Apply(CommandLine& line, const std::string& option, const std::string& valu
     ok = ReadNumber<std::uint16_t>(value, 0, 65535, line.port);
   } else if (option == "--motors") {
     ok = ReadNumber<std::size_t>(value, 1, CommandLine::kMaxMotors, line.motors);
+  } else if (option == "--floor") {
+    double height = 0.0;
+    ok = ReadNumber<double>(value, -10.0, 10.0, height);
+    line.limits.floor = height;
+  } else if (option == "--fold-limit") {
+    ok = ReadNumber<double>(value, 0.0, 180.0, line.limits.foldLimit);
   } else if (option == "--view") {
     ok = ReadNumber<std::uint16_t>(value, 0, 65535, line.view.emplace());
   } else if (option == "--fault") {
@@ -55,8 +61,11 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& argu
       line.help = true;
     } else if (option == "--quiet") {
       line.quiet = true;
+    } else if (option == "--no-floor") {
+      line.limits.floor.reset();
     } else if (option == "--host" || option == "--port" || option == "--motors" ||
-               option == "--fault" || option == "--view") {
+               option == "--fault" || option == "--view" || option == "--floor" ||
+               option == "--fold-limit") {
       if (i + 1 == arguments.size()) {
         problem = option + " needs a value";
         return std::nullopt;
@@ -75,7 +84,7 @@ std::optional<CommandLine> ParseCommandLine(const std::vector<std::string>& argu
 std::string Usage(const std::string& program) {
   return "Usage: " + program +
          " [--host ADDRESS] [--port PORT] [--motors N] [--fault RULE]... [--view PORT]\n"
-         "       [--quiet]\n"
+         "       [--floor Z | --no-floor] [--fold-limit DEG] [--quiet]\n"
          "\n"
          "A simulated robot-arm controller for the tavclient library: a six-axis arm behind the\n"
          "controller's wire protocol. Point an application at it with RobotLogin(ADDRESS, PORT).\n"
@@ -88,6 +97,12 @@ std::string Usage(const std::string& program) {
          "  --motors N      motors 1..N, of which 1..6 form the arm (default 6, at most " +
          std::to_string(CommandLine::kMaxMotors) +
          ")\n"
+         "  --floor Z       refuse motions that take the tool or a joint below z = Z metres in "
+         "the\n"
+         "                  base frame (default 0: the plane the arm stands on)\n"
+         "  --no-floor      no floor\n"
+         "  --fold-limit DEG  refuse postures with the elbow within DEG of +-180 degrees\n"
+         "                  (default 20; 0: no check)\n"
          "  --fault RULE    change some replies, to rehearse failures (repeatable):\n"
          "                  KIND[,on=NAME][,times=N|all][,after=N][,ms=N][,pieces=N][,text=TEXT]\n"
          "                  KIND: delay (ms, default 1000), drop, error (text = error code),\n"

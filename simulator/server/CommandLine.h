@@ -20,6 +20,8 @@ struct CommandLine {
   std::uint16_t port = kDefaultPort;
   std::size_t motors = 6;
   std::vector<Fault> faults;
+  // Floor and elbow folding; the ceilings stay those of the arm.
+  ArmLimits limits;
   std::optional<std::uint16_t> view;
   bool quiet = false;
   bool help = false;

@@ -84,17 +84,6 @@ TEST_F(FaultInjectionTest, RulesSkipAndCountTheRepliesTheyMatch) {
   EXPECT_EQ(tavtest::Unwrap(AskMotorIds(), reply), 0);
 }
 
-TEST_F(FaultInjectionTest, SplitReplyArrivesInPiecesThatTheLibraryJoins) {
-  server.Faults().Add(Fault::SplitReply("get_motor_ids", 3, 150ms));
-  const auto start = Clock::now();
-  const std::string stamp = client.SendCommand("get_motor_ids");
-  const std::string first = client.Peek();
-  EXPECT_EQ(first.find("</root>"), std::string::npos) << "only a first piece arrived: " << first;
-  Message reply;
-  ASSERT_TRUE(client.NextIs("get_motor_ids" + stamp, reply));
-  EXPECT_GE(Clock::now() - start, 300ms);
-}
-
 TEST(FaultRuleTest, ReadsTheCommandLineFormAndRejectsBadOnes) {
   const std::vector<std::pair<std::string, std::string>> good{
       {"delay,on=get_angles,ms=250,times=all,after=2",
@@ -120,9 +109,10 @@ TEST(FaultRuleTest, ReadsTheCommandLineFormAndRejectsBadOnes) {
 
 TEST(CommandLineTest, ReadsOptionsAndRejectsBadValues) {
   std::string problem;
-  const auto line = tavsim::ParseCommandLine(
-      {"--host", "0.0.0.0", "--port", "0", "--motors", "8", "--fault", "drop,on=heart", "--quiet"},
-      problem);
+  const auto line =
+      tavsim::ParseCommandLine({"--host", "0.0.0.0", "--port", "0", "--motors", "8", "--fault",
+                                "drop,on=heart", "--quiet", "--floor", "-0.5", "--fold-limit", "5"},
+                               problem);
   ASSERT_TRUE(line) << problem;
   EXPECT_EQ(line->host, "0.0.0.0");
   EXPECT_EQ(line->port, 0);
@@ -130,6 +120,8 @@ TEST(CommandLineTest, ReadsOptionsAndRejectsBadValues) {
   ASSERT_EQ(line->faults.size(), 1u);
   EXPECT_EQ(line->faults[0].on, "heart");
   EXPECT_TRUE(line->quiet);
+  EXPECT_TRUE(line->limits.floor == -0.5 && line->limits.foldLimit == 5.0);
+  EXPECT_FALSE(tavsim::ParseCommandLine({"--no-floor"}, problem)->limits.floor.has_value());
   const auto defaults = tavsim::ParseCommandLine({}, problem);
   ASSERT_TRUE(defaults);
   EXPECT_EQ(defaults->host, "127.0.0.1");
@@ -140,7 +132,9 @@ TEST(CommandLineTest, ReadsOptionsAndRejectsBadValues) {
                                                                {"--port", "70000"},
                                                                {"--port"},
                                                                {"--verbose"},
-                                                               {"--fault", "boom"}}) {
+                                                               {"--fault", "boom"},
+                                                               {"--floor", "low"},
+                                                               {"--fold-limit", "181"}}) {
     problem.clear();
     EXPECT_FALSE(tavsim::ParseCommandLine(bad, problem)) << bad[0];
     EXPECT_FALSE(problem.empty());

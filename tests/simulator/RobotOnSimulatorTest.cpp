@@ -64,7 +64,7 @@ TEST_F(RobotOnSimulatorTest, CommandsReachTheArmAndQueriesReadItBack) {
   const std::vector<double> targets{30.0, -75.0, 60.0, -100.0, -80.0, 15.0};
   const int ids[] = {1, 2, 3, 4, 5, 6};
   ASSERT_EQ(
-      robot.move_to_angles(kJoints, ids, targets.data(), 200.0f, 400.0f, Relative_Mode::Absolute),
+      robot.move_to_angles(kJoints, ids, targets.data(), 150.0f, 400.0f, Relative_Mode::Absolute),
       0);
   ASSERT_EQ(robot.wait_for_motors(), 0);
   const std::vector<double> arrived = Angles();
@@ -173,10 +173,10 @@ TEST(RobotArmsTest, OneFailingSessionLeavesTheOtherAnswering) {
   ASSERT_EQ(reported.wait_for(10s), std::future_status::ready);
   EXPECT_EQ(reported.get(), RobotEvents::kReceiveFailed);
 
-  ASSERT_EQ(healthy.move_to_angles(2, -30.0, 200.0f, 400.0f, Relative_Mode::Absolute), 0);
+  ASSERT_EQ(healthy.move_to_angles(2, -60.0, 150.0f, 400.0f, Relative_Mode::Absolute), 0);
   ASSERT_EQ(healthy.wait_for_motors(2), 0);
   EXPECT_EQ(healthy.get_angles(2, angle), 0);
-  EXPECT_NEAR(angle, -30.0, 1e-3);
+  EXPECT_NEAR(angle, -60.0, 1e-3);
   EXPECT_EQ(failing.stop(), RobotEvents::kReceiveFailed) << "the failed session keeps its code";
 }
 

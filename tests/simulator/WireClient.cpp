@@ -1,6 +1,5 @@
 #include "WireClient.h"
 
-#include <poll.h>
 #include <sys/socket.h>
 
 #include <exception>
@@ -83,16 +82,6 @@ AssertionResult WireClient::NextIs(const std::string& identifier, Message& decod
     return AssertionFailure() << "expected " << identifier << ", got " << text;
   }
   return AssertionSuccess();
-}
-
-std::string WireClient::Peek() {
-  pollfd readable{connection.NativeHandle(), POLLIN, 0};
-  char bytes[512] = {};
-  if (::poll(&readable, 1, static_cast<int>(kWait.count())) != 1 ||
-      ::recv(connection.NativeHandle(), bytes, sizeof bytes - 1, MSG_PEEK) <= 0) {
-    ADD_FAILURE() << "nothing arrived";
-  }
-  return bytes;
 }
 
 AssertionResult WireClient::Silent(std::chrono::milliseconds window) {

@@ -42,8 +42,6 @@ public:
   // and be `identifier` (a command reply's is its name and time stamp).
   ::testing::AssertionResult NextIs(const std::string& identifier, Message& decoded,
                                     std::chrono::milliseconds wait = kWait);
-  // The bytes that have arrived once any have, left unread.
-  std::string Peek();
   // Nothing arrives within `window`.
   ::testing::AssertionResult Silent(std::chrono::milliseconds window);
   // The simulator closes the connection within `wait`, sending nothing more.

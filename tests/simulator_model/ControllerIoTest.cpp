@@ -33,15 +33,15 @@ TEST_F(Io, GripperClosesAfterItsTravelAndReportsOnItsSensor) {
 }
 
 TEST(SharedArm, ClientsOnSeveralThreadsDriveOneArm) {
-  SimulatedController controller({}, std::make_shared<SteadyClock>());
+  SimulatedController controller({10}, std::make_shared<SteadyClock>());  // axes 7 to 10
   controller.Handle("Robot", {{"name", "a"}, {"parameters", "{}"}, {"virtual", "0"}});
   std::vector<std::thread> clients;
   for (int client = 1; client <= 4; ++client) {
     clients.emplace_back([&controller, client] {
-      const std::string id = "[\"" + std::to_string(client) + "\"]";
+      const std::string id = "[\"" + std::to_string(client + 6) + "\"]";
       for (int i = 0; i < 50; ++i) {
         controller.Handle("move_to_angles",
-                          moveParams(id, "[" + std::to_string(i % 5) + "]", "1000", "100000"));
+                          moveParams(id, "[" + std::to_string(i % 5) + "]", "180", "2000"));
         controller.Handle("get_current", motors(id));
         controller.Poll();
       }
@@ -51,12 +51,12 @@ TEST(SharedArm, ClientsOnSeveralThreadsDriveOneArm) {
     client.join();
   }
   // Every client's last move (to 4 degrees) lands on the one arm.
-  Reply wait = controller.Handle("wait_for_motors", motors(R"(["1","2","3","4"])"));
+  Reply wait = controller.Handle("wait_for_motors", motors(R"(["7","8","9","10"])"));
   while (wait.Pending() && controller.Poll().empty()) {
     std::this_thread::sleep_for(
         std::chrono::duration<double>(controller.SecondsUntilNextCompletion().value_or(0.0)));
   }
-  EXPECT_EQ(controller.Handle("get_angles", motors(R"(["1","2","3","4"])")).result1,
+  EXPECT_EQ(controller.Handle("get_angles", motors(R"(["7","8","9","10"])")).result1,
             "[4.000000,4.000000,4.000000,4.000000]");
 }
 

@@ -63,11 +63,19 @@ TEST(ArmKinematics, EveryBranchReachesTheTargetAndTheNearestIsChosen) {
   }
 }
 
-TEST(ArmKinematics, OutOfReachPosesHaveNoSolution) {
+TEST(ArmKinematics, WristSingularPosesAreSolvedWithJoint6KeptAtTheHint) {
   ArmKinematics arm = ArmKinematics::Ur5();
-  ArmKinematics::Joints current{};
-  EXPECT_TRUE(arm.Solutions(PoseToTransform({2.0, 0.0, 0.3, 0, 0, 0})).empty());
-  EXPECT_FALSE(arm.NearestSolution(PoseToTransform({0.0, 0.0, 1.5, 0, 0, 0}), current, 2 * kPi));
+  std::mt19937 rng(11);
+  for (int trial = 0; trial < 250; ++trial) {
+    ArmKinematics::Joints joints = randomJoints(rng);
+    joints[4] = trial % 2 == 0 ? 0.0 : kPi;
+    const Transform target = arm.Forward(joints);
+    const auto solved = arm.NearestSolution(target, randomJoints(rng), 2 * kPi);
+    ASSERT_TRUE(solved.has_value()) << "trial " << trial;
+    EXPECT_LT(transformError(arm.Forward(*solved), target), 1e-6);
+    EXPECT_NEAR((*arm.NearestSolution(target, joints, 2 * kPi))[5], joints[5], 1e-12)
+        << "the hint can be kept";
+  }
 }
 
 TEST(Pose, RollPitchYawRoundTripsThroughAMatrixIncludingGimbalLock) {

@@ -1,17 +1,25 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "model/CartesianPath.h"
 #include "model/TrapezoidProfile.h"
 
 namespace tavsim {
 namespace {
 
-TEST(TrapezoidProfile, PeaksEarlyWhenTheWayIsTooShortToCruise) {
-  TrapezoidProfile shortWay(4.0, 30.0, 16.0);  // triangular: 0.5 s up, 0.5 s down
-  EXPECT_NEAR(shortWay.Duration(), 1.0, 1e-12);
-  EXPECT_NEAR(shortWay.Velocity(0.5), 8.0, 1e-12);
-  EXPECT_NEAR(shortWay.Position(0.5), 2.0, 1e-12);
-  EXPECT_EQ(shortWay.Velocity(1.5), 0.0);
+TEST(TrapezoidProfile, PeaksEarlyOnShortWaysAndKeepsOrBrakesAStartingSpeed) {
+  // 60 deg/s at most, 60 deg/s^2.
+  for (const auto& [distance, startSpeed, duration] : std::vector<std::array<double, 3>>{
+           {4.0, 0.0, 2.0 * std::sqrt(4.0 / 60.0)},            // from rest, too short to cruise
+           {67.5, 30.0, 1.75},                                 // on to 60, cruise, stop
+           {-10.0, 30.0, 0.5 + 2.0 * std::sqrt(17.5 / 60.0)},  // brake 7.5, back 17.5
+           {1.0, 30.0, 0.5 + 2.0 * std::sqrt(6.5 / 60.0)},     // past it, back 6.5
+           {80.0, 90.0, 1.5 + 12.5 / 60.0}}) {                 // down to 60, cruise, stop
+    TrapezoidProfile profile(distance, 60.0, 60.0, startSpeed);
+    EXPECT_NEAR(profile.Duration(), duration, 1e-9) << distance;
+    EXPECT_NEAR(profile.Position(profile.Duration() - 1e-9), distance, 1e-6);
+  }
 }
 
 // Blends are followed in ControllerCartesianTest; here the cuts into runs.
