@@ -30,12 +30,12 @@ struct ControllerOptions {
   // arm with the tool pointing down.
   std::vector<double> initialAngles{0.0, -90.0, 90.0, -90.0, -90.0, 0.0};
   // Speed and acceleration ceilings, floor and elbow folding.
-  ArmLimits limits;
+  ArmLimits limits{};
 };
 
 // The content of a command reply: "state" text and "result1" text (empty: no result child).
 // A pending reply carries a non-zero ticket and no content yet; the finished reply comes
-// later from poll() under the same ticket.
+// later from Poll() under the same ticket.
 struct Reply {
   std::string state;
   std::string result1;

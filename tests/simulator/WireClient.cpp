@@ -1,7 +1,5 @@
 #include "WireClient.h"
 
-#include <sys/socket.h>
-
 #include <exception>
 
 #include "common/RobotEvent.h"
