@@ -12,16 +12,6 @@ using ::testing::AssertionFailure;
 using ::testing::AssertionResult;
 using ::testing::AssertionSuccess;
 
-namespace {
-
-std::string Describe(const std::string& text) {
-  const tavsim::ClientMessage message = tavsim::DecodeClientMessage(text);
-  return std::string(tavsim::ToString(message.kind)) + " message \"" + text + "\"" +
-         (message.problem.empty() ? "" : " (" + message.problem + ")");
-}
-
-}  // namespace
-
 void ScriptedController::Reset() {
   if (!connection) {
     return;
@@ -62,7 +52,7 @@ AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::s
   if (message.kind != kind || message.functionName != functionName ||
       (kind != ClientMessageKind::Heart && !message.checksumValid)) {
     return AssertionFailure() << "expected a " << expected << " with a valid checksum, got "
-                              << Describe(*text);
+                              << tavsim::ToString(message.kind) << " \"" << *text << "\"";
   }
   return AssertionSuccess();
 }
@@ -72,7 +62,7 @@ AssertionResult ScriptedController::ExpectNoMessage(Wait wait, bool closed) {
     return connected;
   }
   if (const std::optional<std::string> text = connection->ReadMessage(wait)) {
-    return AssertionFailure() << "expected nothing from the client, got " << Describe(*text);
+    return AssertionFailure() << "expected nothing from the client, got \"" << *text << "\"";
   }
   if (!closed && connection->Framer().Buffered() != 0) {
     return AssertionFailure() << "expected nothing, got " << connection->Framer().Buffered()
