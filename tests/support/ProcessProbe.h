@@ -56,6 +56,20 @@ inline std::size_t ResidentBytes() {
   return resident * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 }
 
+// What a process that leaks nothing comes back to, measured when made.
+struct Footprint {
+  std::size_t descriptors = OpenDescriptorCount();
+  std::size_t threads = ThreadCount();
+  std::size_t heapBytes = HeapBytesInUse();
+  std::size_t residentBytes = ResidentBytes();
+
+  // The descriptors and threads of `before`, and its heap give or take caches of `heapSlack`.
+  bool Within(const Footprint& before, std::size_t heapSlack) const {
+    return descriptors == before.descriptors && threads == before.threads &&
+           heapBytes <= before.heapBytes + heapSlack;
+  }
+};
+
 }  // namespace tavtest
 
 #endif

@@ -12,16 +12,6 @@ using ::testing::AssertionFailure;
 using ::testing::AssertionResult;
 using ::testing::AssertionSuccess;
 
-namespace {
-
-std::string Describe(const std::string& text) {
-  const tavsim::ClientMessage message = tavsim::DecodeClientMessage(text);
-  return std::string(tavsim::ToString(message.kind)) + " message \"" + text + "\"" +
-         (message.problem.empty() ? "" : " (" + message.problem + ")");
-}
-
-}  // namespace
-
 void ScriptedController::Reset() {
   if (!connection) {
     return;
@@ -39,46 +29,34 @@ AssertionResult ScriptedController::Accept(Wait wait) {
   return AssertionSuccess();
 }
 
-AssertionResult ScriptedController::Connected() const {
-  if (!connection || !connection->IsOpen()) {
-    return AssertionFailure() << "the controller has no open connection";
-  }
-  return AssertionSuccess();
-}
-
 AssertionResult ScriptedController::Receive(ClientMessageKind kind, const std::string& functionName,
                                             tavsim::ClientMessage& message, Wait wait) {
   const std::string expected = std::string(tavsim::ToString(kind)) + " message " + functionName;
-  if (AssertionResult connected = Connected(); !connected) {
-    return connected;
-  }
-  const std::optional<std::string> text = connection->ReadMessage(wait);
+  tavsim::Connection& open = connection.value();
+  const std::optional<std::string> text = open.ReadMessage(wait);
   if (!text) {
     return AssertionFailure() << "expected a " << expected << ", but "
-                              << (connection->PeerClosed() ? "the client closed" : "none came")
+                              << (open.PeerClosed() ? "the client closed" : "none came")
                               << " within " << wait.count() << " ms";
   }
   message = tavsim::DecodeClientMessage(*text);
   if (message.kind != kind || message.functionName != functionName ||
       (kind != ClientMessageKind::Heart && !message.checksumValid)) {
     return AssertionFailure() << "expected a " << expected << " with a valid checksum, got "
-                              << Describe(*text);
+                              << tavsim::ToString(message.kind) << " \"" << *text << "\"";
   }
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::ExpectNoMessage(Wait wait, bool closed) {
-  if (AssertionResult connected = Connected(); !connected) {
-    return connected;
+  tavsim::Connection& open = connection.value();
+  if (const std::optional<std::string> text = open.ReadMessage(wait)) {
+    return AssertionFailure() << "expected nothing from the client, got \"" << *text << "\"";
   }
-  if (const std::optional<std::string> text = connection->ReadMessage(wait)) {
-    return AssertionFailure() << "expected nothing from the client, got " << Describe(*text);
+  if (!closed && open.Framer().Buffered() != 0) {
+    return AssertionFailure() << "expected nothing, got " << open.Framer().Buffered() << " bytes";
   }
-  if (!closed && connection->Framer().Buffered() != 0) {
-    return AssertionFailure() << "expected nothing, got " << connection->Framer().Buffered()
-                              << " bytes";
-  }
-  if (closed && !connection->PeerClosed()) {
+  if (closed && !open.PeerClosed()) {
     return AssertionFailure() << "the client did not close the connection within " << wait.count()
                               << " ms";
   }
@@ -86,20 +64,14 @@ AssertionResult ScriptedController::ExpectNoMessage(Wait wait, bool closed) {
 }
 
 AssertionResult ScriptedController::Send(const std::string& bytes) {
-  if (AssertionResult connected = Connected(); !connected) {
-    return connected;
-  }
-  if (!connection->Write(bytes)) {
+  if (!connection.value().Write(bytes)) {
     return AssertionFailure() << "could not write \"" << bytes << "\" to the client";
   }
   return AssertionSuccess();
 }
 
 AssertionResult ScriptedController::WaitDelivered(Wait wait) {
-  if (AssertionResult connected = Connected(); !connected) {
-    return connected;
-  }
-  return WaitQueueEmpty(connection->NativeHandle(), SIOCOUTQ, wait);
+  return WaitQueueEmpty(connection.value().NativeHandle(), SIOCOUTQ, wait);
 }
 
 }  // namespace tavtest

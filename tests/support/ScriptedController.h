@@ -75,13 +75,14 @@ public:
   void Reset();
 
 private:
-  Result Connected() const;
   Result Receive(tavsim::ClientMessageKind kind, const std::string& functionName,
                  tavsim::ClientMessage& message, Wait wait);
   // Reads for `wait`; fails when a message, or with `closed` no close, came instead.
   Result ExpectNoMessage(Wait wait, bool closed);
 
   tavsim::LoopbackListener listener;
+  // Empty until a client is accepted: a test that goes on without one fails by the exception
+  // that value() throws.
   std::optional<tavsim::Connection> connection;
 };
 

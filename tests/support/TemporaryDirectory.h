@@ -52,8 +52,6 @@ public:
       ::unsetenv(kVariable);
     }
   }
-  ExitTestDirectory(const ExitTestDirectory&) = delete;
-  ExitTestDirectory& operator=(const ExitTestDirectory&) = delete;
 
   const std::string& Path() const { return path; }
 
