@@ -114,6 +114,7 @@ def test_the_page_draws_the_angles_the_robot_reads_and_survives_a_restart(tmp_pa
                 image.write(base64.b64decode(shot))
             robot.RobotLogout()
         simulator.stop()
+        assert not browser.wait_for("!view.live")["live"]
         assert browser.evaluate("document.getElementById('link').textContent") == "disconnected"
         with tavclient.Simulator(view=port):
             assert browser.wait_for("view.live && view.updates > 0")["live"]
