@@ -300,13 +300,3 @@ TEST(TavLoggerExitTest, TakesItsLevelFromTheEnvironmentAndFallsBackFromAnUnusabl
   }
   EXPECT_EQ(RootEntries(), rootBefore);
 }
-
-TEST(TavLoggerExitTest, ALoggerThatNeverStartedDoesNotHoldUpExit) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(
-      {
-        TavLogger::GetInstance().Info("queued, never written");
-        std::exit(0);
-      },
-      ::testing::ExitedWithCode(0), "");
-}
