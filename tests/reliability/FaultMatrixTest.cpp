@@ -10,6 +10,7 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -126,6 +127,9 @@ struct Row {
   // What the library's log says of this fault, when it says something.
   std::string logged;
 };
+
+// Names the row in gtest's messages instead of dumping its bytes.
+void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
 
 const std::vector<Row> kRows{
     {"DelayWithinTimeout", Injected(Fault::DelayReply(kStruck, 300ms)), 0, ""},
