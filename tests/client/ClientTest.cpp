@@ -5,22 +5,35 @@
 #include <cmath>
 #include <fstream>
 #include <future>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "WorkerFixture.h"
 #include "client/Client.h"
+#include "client/Tasks.h"
 #include "common/RobotEvent.h"
 #include "support/Polling.h"
 #include "support/ProcessProbe.h"
+#include "support/ScriptedController.h"
 #include "support/TemporaryHome.h"
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 namespace {
+
+using Message = std::map<std::string, std::string>;
+
+// A command task as the robot layer queues it, from client 7.
+Tasks CommandTask(const std::string& functionName, int timestamp, Message parameters = {}) {
+  Tasks task{Tasks::kCommand, std::move(parameters)};
+  task.params["timestamp"] = std::to_string(timestamp);
+  task.params["ClientID"] = "7";
+  task.params["function_name"] = functionName;
+  return task;
+}
 
 // The one slow case. Refused settings keep the defaults, so the first heartbeat comes nine
 // seconds after the connect; meanwhile a call waiting for its reply burns no CPU, and it wakes

@@ -33,24 +33,4 @@ TEST(MessageFramerTest, TagsSplitAnywhereStillFrameEveryMessage) {
   }
 }
 
-TEST(MessageFramerTest, AMessageThatNeverEndsIsRefusedAndItsMemoryDropped) {
-  MessageFramer framer;
-  const std::string piece(64 * 1024, 'x');
-  std::string message;
-  framer.Append("<root>", 6);
-  int code = RobotEvents::kNoCompleteMessage;
-  std::size_t appended = 6;
-  while (code == RobotEvents::kNoCompleteMessage &&
-         appended <= 2 * MessageFramer::kMaxMessageSize) {
-    framer.Append(piece.data(), piece.size());
-    appended += piece.size();
-    code = framer.Next(message);
-  }
-  EXPECT_EQ(code, RobotEvents::kDecodeFailed);
-  EXPECT_LE(appended, MessageFramer::kMaxMessageSize + piece.size() + 6);
-  EXPECT_EQ(framer.Buffered(), 0u);
-  EXPECT_EQ(Feed(framer, "<root></root>", 13), std::vector<std::string>{"<root></root>"})
-      << "framing goes on";
-}
-
 }  // namespace

@@ -99,12 +99,3 @@ TEST_F(TavResourceTest, WithoutAUsableHomeMakesTheDirectoriesInTheWorkingDirecto
   }
   EXPECT_TRUE(fs::is_empty(deep));
 }
-
-TEST_F(TavResourceTest, ADirectoryThatCannotBeMadeGivesTheFailureCodeAndNoPathOfAnEarlierLoad) {
-  ASSERT_EQ(resource.Load(), 0);
-  std::ofstream(localBase) << "x";
-  const tavtest::ScopedHome homeUnset(std::nullopt);
-  EXPECT_EQ(resource.Load(), 1005011);
-  EXPECT_EQ(resource.GetLogPath(), localBase + "/log") << "set before it failed";
-  EXPECT_EQ(resource.GetRepositoryPath(), "");
-}
