@@ -58,18 +58,15 @@ AssertionResult WireClient::HeartAnswered() {
 AssertionResult WireClient::Next(std::string& text, std::chrono::milliseconds wait) {
   std::optional<std::string> message = connection.ReadMessage(wait);
   if (!message) {
-    return AssertionFailure() << "no message within " << wait.count() << " ms"
-                              << (connection.PeerClosed() ? " (the simulator closed the connection)"
-                                                          : "");
+    return AssertionFailure() << "no message within " << wait.count() << " ms";
   }
   text = *message;
   return AssertionSuccess();
 }
 
-AssertionResult WireClient::NextIs(const std::string& identifier, Message& decoded,
-                                   std::chrono::milliseconds wait) {
+AssertionResult WireClient::NextIs(const std::string& identifier, Message& decoded) {
   std::string text;
-  if (AssertionResult received = Next(text, wait); !received) {
+  if (AssertionResult received = Next(text); !received) {
     return received;
   }
   decoded.clear();
@@ -84,20 +81,13 @@ AssertionResult WireClient::NextIs(const std::string& identifier, Message& decod
 
 AssertionResult WireClient::Silent(std::chrono::milliseconds window) {
   std::string text;
-  if (Next(text, window)) {
-    return AssertionFailure() << "unexpected message " << text;
-  }
-  return AssertionSuccess();
+  return Next(text, window) ? AssertionFailure() << "unexpected message " << text
+                            : AssertionSuccess();
 }
 
-AssertionResult WireClient::ClosedByPeer(std::chrono::milliseconds wait) {
-  if (AssertionResult silent = Silent(wait); !silent) {
-    return silent;
-  }
-  if (!connection.PeerClosed()) {
-    return AssertionFailure() << "the connection is still open after " << wait.count() << " ms";
-  }
-  return AssertionSuccess();
+AssertionResult WireClient::ClosedByPeer() {
+  AssertionResult silent = Silent(kWait);
+  return !silent || connection.PeerClosed() ? silent : AssertionFailure() << "still connected";
 }
 
 int Unwrap(const std::string& text, Message& decoded) {

@@ -40,12 +40,11 @@ public:
   ::testing::AssertionResult Next(std::string& text, std::chrono::milliseconds wait = kWait);
   // The next message must be accepted by the library's Parser::unwrap, decoded into `decoded`,
   // and be `identifier` (a command reply's is its name and time stamp).
-  ::testing::AssertionResult NextIs(const std::string& identifier, Message& decoded,
-                                    std::chrono::milliseconds wait = kWait);
+  ::testing::AssertionResult NextIs(const std::string& identifier, Message& decoded);
   // Nothing arrives within `window`.
   ::testing::AssertionResult Silent(std::chrono::milliseconds window);
-  // The simulator closes the connection within `wait`, sending nothing more.
-  ::testing::AssertionResult ClosedByPeer(std::chrono::milliseconds wait = kWait);
+  // The simulator closes the connection within kWait, sending nothing more.
+  ::testing::AssertionResult ClosedByPeer();
 
 private:
   tavsim::Connection connection;

@@ -43,15 +43,6 @@ protected:
   }
 };
 
-TEST_F(Cartesian, InverseAnswersTheBranchNearestTheArm) {
-  // Among up to eight branches, the pose the arm holds is reached by the joints it holds.
-  const std::vector<double> here = angles();
-  const std::vector<double> solved = query("inverse", {{"position", poseText(pose())}});
-  for (std::size_t i = 0; i < here.size(); ++i) {
-    EXPECT_NEAR(solved[i], here[i], 1e-3);
-  }
-}
-
 TEST_F(Cartesian, LinearMoveKeepsTheToolOnTheLineAndTakesItsTime) {
   const std::vector<double> start = pose();
   std::vector<double> target = start;

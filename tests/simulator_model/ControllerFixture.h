@@ -50,20 +50,18 @@ protected:
     return {std::istream_iterator<double>(numbers), std::istream_iterator<double>()};
   }
 
-  void setUpRobot() {
-    ASSERT_EQ(state("Robot", {{"name", "arm"},
-                              {"parameters", R"({"channel_name": "can0","host_id": 1})"},
-                              {"virtual", "1"}}),
-              StateCodes::kOk);
-  }
-
   std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
   SimulatedController controller{{}, clock};
 };
 
 class ReadyController : public ControllerFixture {
 protected:
-  void SetUp() override { setUpRobot(); }
+  void SetUp() override {
+    ASSERT_EQ(state("Robot", {{"name", "arm"},
+                              {"parameters", R"({"channel_name": "can0","host_id": 1})"},
+                              {"virtual", "1"}}),
+              StateCodes::kOk);
+  }
 };
 
 }  // namespace tavsim::test

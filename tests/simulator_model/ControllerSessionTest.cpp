@@ -78,13 +78,6 @@ TEST_F(Session, BadRequestsGetTheirCodeAndChangeNothing) {
       {"move_to_angles", moveParams(one, "[400.0]", "10", "10"), StateCodes::kUnreachable},
       {"move_to_position", ToolMove("[0.0,0.0,0.01,[0.0,0.0,0.0]]", "1e400", "1.0"), bad},
       {"forward", {{"angles", "[0.0,0.0]"}}, bad},
-      {"moveL",
-       {{"points", "[]"},
-        {"velocity", "0.1"},
-        {"acceleration", "0.1"},
-        {"interval", "0"},
-        {"closed", "0"}},
-       bad},  // no "radius"
       {"set_output", {{"motor_ids", R"(["2"])"}, {"signal", R"({"2": 5})"}}, bad},
       {"set_output", {{"motor_ids", R"(["2"])"}, {"signal", R"({"3": 0})"}}, bad},
       {"set_output",

@@ -38,7 +38,6 @@ TEST(ArmKinematics, EveryBranchReachesTheTargetAndTheNearestIsChosen) {
     SCOPED_TRACE(trial);
     const ArmKinematics::Joints joints = randomJoints(rng);
     const Transform target = arm.Forward(joints);
-    ASSERT_LE(arm.Solutions(target).size(), 8u);
     // From where the arm stands (a solution itself, so the nearest) and from anywhere else,
     // no branch is closer than the chosen one; whole turns are free.
     for (const ArmKinematics::Joints& current : {joints, randomJoints(rng)}) {
