@@ -63,9 +63,11 @@ struct Footprint {
   std::size_t heapBytes = HeapBytesInUse();
   std::size_t residentBytes = ResidentBytes();
 
-  // The descriptors and threads of `before`, and its heap give or take caches of `heapSlack`.
+  // The descriptors of `before`, no more threads and its heap give or take caches of
+  // `heapSlack`. Fewer threads is fine: a thread joined just before `before` was taken may
+  // still have been listed, as the kernel wakes the joiner before it reaps the thread.
   bool Within(const Footprint& before, std::size_t heapSlack) const {
-    return descriptors == before.descriptors && threads == before.threads &&
+    return descriptors == before.descriptors && threads <= before.threads &&
            heapBytes <= before.heapBytes + heapSlack;
   }
 };
