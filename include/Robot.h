@@ -200,9 +200,10 @@ public:
             Traj_Close_Mode closed);
   /// Straight tool lines through the `n` points, at a tool `velocity` in metres per second and
   /// `acceleration` in metres per second squared. `radius` (metres, >= 0) rounds the corner
-  /// at each point: `n` radii for an open path, `n - 2` for a closed one (`n` >= 2 then); a
-  /// corner without a radius is a stop. Otherwise as moveJ, and 2001041 also when a piece of
-  /// the way is out of reach or passes a singularity.
+  /// at each point: `n` radii for an open path, `n - 2` for a closed one; a corner without a
+  /// radius is a stop. A closed path of fewer than 2 points is refused with 1006011 and nothing
+  /// is sent. Otherwise as moveJ, and 2001041 also when a piece of the way is out of reach or
+  /// passes a singularity.
   int moveL(unsigned long n, _Pose* points, const double* radius, float velocity,
             float acceleration, float interval, Traj_Close_Mode closed);
   /// As moveL, with every corner rounded by a fifth of its shorter leg.

@@ -254,11 +254,12 @@ void BindMotion(Binding& robot) {
           [](RobotSession& s, Poses points, const Reals& radius, float velocity, float acceleration,
              float interval, Traj_Close_Mode closed) {
             const bool isClosed = closed == Traj_Close_Mode::Closed;
-            if (isClosed && points.size() < 2) {
-              throw py::value_error("moveL: a closed path needs at least 2 points");
+            // A closed path of fewer than 2 points is the library's to refuse (1006011), as
+            // in C++; it has no radius count to check.
+            if (!isClosed || points.size() >= 2) {
+              SameLength(radius.size(), isClosed ? points.size() - 2 : points.size(),
+                         "moveL radius (one per point, n - 2 when closed)");
             }
-            SameLength(radius.size(), isClosed ? points.size() - 2 : points.size(),
-                       "moveL radius (one per point, n - 2 when closed)");
             Run([&] {
               return s.Get().moveL(points.size(), points.data(), radius.data(), velocity,
                                    acceleration, interval, closed);

@@ -186,7 +186,8 @@ class Robot:
         closed: Traj_Close_Mode,
     ) -> None:
         """Straight tool lines through the poses at velocity m/s, acceleration m/s^2; radius
-        in metres rounds each corner (one per point, n - 2 when closed); interval seconds."""
+        in metres rounds each corner (one per point, n - 2 when closed); interval seconds.
+        RobotError 1006011 for a closed path of fewer than 2 points."""
     def moveP(
         self,
         points: Sequence[Pose],

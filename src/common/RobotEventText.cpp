@@ -37,7 +37,8 @@ const char* RobotEventText(Robot_Event code) {
     case 2001031:
       return "unknown motor or I/O channel id";
     case 2001041:
-      return "pose or path unreachable, out of joint range or through a singularity";
+      return "pose or path unreachable, out of joint range, through a singularity, below the floor "
+             "or folding the arm";
     case 2001051:
       return "refused in the controller's current state";
     case 2001061:

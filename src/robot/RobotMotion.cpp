@@ -1,4 +1,7 @@
 #include "Robot.h"
+
+#include <optional>
+
 #include "robot/Arguments.h"
 #include "robot/ParameterText.h"
 
@@ -14,10 +17,16 @@ namespace {
 int ModeValue(Relative_Mode mode) { return static_cast<int>(mode); }
 int ModeValue(Traj_Close_Mode mode) { return static_cast<int>(mode); }
 
-// A closed path blends at n - 2 corners, an open one takes a radius per point. n below 2 on a
-// closed path wraps around; the caller must not ask for that.
-unsigned long RadiusCount(unsigned long n, Traj_Close_Mode closed) {
-  return ModeValue(closed) == 1 ? n - 2 : n;
+// A closed path blends at n - 2 corners, an open one takes a radius per point. A closed path of
+// fewer than two points has no count at all (it would wrap around): nothing, as moveL refuses it.
+std::optional<unsigned long> RadiusCount(unsigned long n, Traj_Close_Mode closed) {
+  if (ModeValue(closed) != 1) {
+    return n;
+  }
+  if (n < 2) {
+    return std::nullopt;
+  }
+  return n - 2;
 }
 
 }  // namespace
@@ -81,10 +90,11 @@ int Robot::moveP(unsigned long n, _Pose* points, float velocity, float accelerat
 // As moveJ, with the blend radii right after the points.
 int Robot::moveL(unsigned long n, _Pose* points, const double* radius, float velocity,
                  float acceleration, float interval, Traj_Close_Mode closed) {
-  if (!Arguments::Holds(n, points) || !Arguments::Holds(RadiusCount(n, closed), radius)) {
+  const std::optional<unsigned long> radii = RadiusCount(n, closed);
+  if (!radii || !Arguments::Holds(n, points) || !Arguments::Holds(*radii, radius)) {
     return RobotEvents::kInvalidArgument;
   }
   Parameters parameters = _pathParameters(n, points, velocity, acceleration, interval, closed);
-  parameters.insert(parameters.begin() + 1, {"radius", RealList(RadiusCount(n, closed), radius)});
+  parameters.insert(parameters.begin() + 1, {"radius", RealList(*radii, radius)});
   return _command("moveL", parameters);
 }

@@ -59,6 +59,28 @@ TEST(RobotEventTextTest, EveryCodeTheLibraryDeclaresOrTheSimulatorDocumentsHasIt
   ExpectOwnTexts(documented);
 }
 
+// The README's table of codes says more than the texts; its first clause, without remarks in
+// brackets, is the text itself.
+TEST(RobotEventTextTest, EachCodeOfTheReadmeTableReadsAsItsMeaningThere) {
+  std::ifstream readme(std::string(TAVCLIENT_SOURCE_DIR) + "/README.md");
+  ASSERT_TRUE(readme);
+  const std::regex row(R"(^\| (\d+) \| ([^|]+?) \|)");
+  const auto mainClause = [](const std::string& text) {
+    const std::string plain = std::regex_replace(text, std::regex(R"( ?\([^)]*\)|`)"), "");
+    return plain.substr(0, plain.find_first_of(":;"));
+  };
+  int rows = 0;
+  for (std::string line; std::getline(readme, line);) {
+    std::smatch match;
+    if (std::regex_search(line, match, row)) {
+      ++rows;
+      const Robot_Event code = std::stoi(match[1]);
+      EXPECT_EQ(mainClause(RobotEventText(code)), mainClause(match[2].str())) << code;
+    }
+  }
+  EXPECT_GE(rows, 20);
+}
+
 TEST(RobotEventTextTest, AnyOtherCodeIsUnknownWithItsNumberInABufferOfItsThread) {
   const char* mine = RobotEventText(std::numeric_limits<Robot_Event>::min());
   std::string theirs;

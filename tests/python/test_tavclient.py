@@ -55,7 +55,8 @@ BAD_CALLS = [
     (ValueError, lambda r: r.move_to_angles([1, 2], [10.0], 30.0, 60.0, Relative_Mode.Absolute)),
     (ValueError, lambda r: r.set_output([1, 2], [1])),
     (ValueError, lambda r: r.moveL([tavclient.Pose()] * 3, [0.0], 0.1, 0.1, 0.0, Traj_Close_Mode.Open)),
-    (ValueError, lambda r: r.moveL([tavclient.Pose()], [], 0.1, 0.1, 0.0, Traj_Close_Mode.Closed)),
+    (1006011, lambda r: r.moveL([tavclient.Pose()], [], 0.1, 0.1, 0.0, Traj_Close_Mode.Closed)),
+    (1006011, lambda r: r.moveL([], [0.0], 0.1, 0.1, 0.0, Traj_Close_Mode.Closed)),
     (ValueError, lambda r: r.forward([0.0] * 5)),
     (ValueError, lambda r: r.RobotLogin("127.0.0.1", 70000)),
     (TypeError, lambda r: r.SetEventCallback(42)),
@@ -67,16 +68,25 @@ BAD_CALLS = [
 ]
 
 
+def commands_seen(simulator):
+    return [line for line in simulator.activity if " #" in line]
+
+
 # What Python cannot pass raises TypeError or ValueError; what the library refuses raises
-# RobotError with its code and text. Either way the session goes on.
+# RobotError with its code and text, and neither sends anything; the controller's refusals
+# (codes from 2000000) come back from one request. Either way the session goes on.
 @pytest.mark.parametrize("error, call", BAD_CALLS)
-def test_bad_calls_raise_and_leave_the_session_working(robot, error, call):
+def test_bad_calls_raise_and_leave_the_session_working(robot, simulator, error, call):
     code = error if isinstance(error, int) else None
+    before = len(commands_seen(simulator))
     with pytest.raises(RobotError if code else error) as raised:
         call(robot)
     if code:
         assert raised.value.code == code
         assert raised.value.text == tavclient.event_text(code) == tavclient.Robot.EventText(code)
+    robot.get_angles(1)  # answered in order, so whatever the call sent is logged by now
+    sent = commands_seen(simulator)[before:-1]
+    assert len(sent) == (1 if code and code >= 2000000 else 0), sent
     assert robot.get_motor_ids() == [1, 2, 3, 4, 5, 6]
 
 

@@ -145,6 +145,17 @@ TEST_F(RobotCommandTest, ASessionSetsUpDiscoversTheMotorIdsForTheAllMotorFormsAn
   EXPECT_TRUE(controller.ExpectClientClosed());
 }
 
+// A closed path blends at n - 2 corners, so fewer than 2 points have no radius count: refused,
+// and nothing is sent, so the next message the controller sees is the command after them.
+TEST_F(RobotCommandTest, AClosedLinePathOfFewerThanTwoPointsIsRefusedAndNotSent) {
+  for (const unsigned long n : {0ul, 1ul}) {
+    EXPECT_EQ(robot.moveL(n, path, kReals, 1.0f, 1.0f, 0.0f, Traj_Close_Mode::Closed),
+              RobotEvents::kInvalidArgument)
+        << n << " points";
+  }
+  EXPECT_EQ(Exchange([&] { return robot.stop(); }, "stop"), 0);
+}
+
 // Null is refused before anything is formatted or sent. Nothing is connected here, so any other
 // code would show that the call went further. Null arrays whose count is 0 read nothing and pass.
 TEST(RobotArgumentTest, NullPointersAreRefusedWithACode) {
