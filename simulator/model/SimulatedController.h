@@ -59,14 +59,14 @@ public:
                                                                    std::make_shared<SteadyClock>());
 
   // A finished reply, or a pending one ("wait_for_motors", or a move with "block" 1) that a
-  // later poll() finishes.
+  // later Poll() finishes.
   Reply Handle(const std::string& functionName, const Params& params);
   // Pending replies finished since the last call (the motors arrived or were halted). Call
-  // after every handle() and when secondsUntilNextCompletion() has passed.
+  // after every Handle() and when SecondsUntilNextCompletion() has passed.
   std::vector<Completion> Poll();
   // Drops a pending reply nobody will collect (its connection closed).
   void Cancel(std::uint64_t ticket);
-  // Time until poll() would next have something if nothing else happens: 0 when it has now,
+  // Time until Poll() would next have something if nothing else happens: 0 when it has now,
   // nothing when no reply is pending.
   std::optional<double> SecondsUntilNextCompletion() const;
 

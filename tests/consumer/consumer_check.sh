@@ -22,11 +22,11 @@ readelf -d "$libdir/libtavclient.so.0" | grep -q 'SONAME.*\[libtavclient\.so\.0\
 app=$work/app
 mkdir "$app"
 cp "$source_dir/tests/consumer/CMakeLists.txt" "$app/"
-awk '/^## Use it from C\+\+/ { section = 1 }
-     section && /^```cpp/ { code = 1; next }
-     code && /^```/ { exit }
-     code' "$source_dir/README.md" >"$app/my_app.cpp"
-[ -s "$app/my_app.cpp" ] || fail "no C++ block in the README's \"Use it from C++\""
+# The README's blocks as scripts/doc-blocks.py reads them (and the test command checks them).
+readme_block() {  # section, language
+  /usr/bin/python3 "$source_dir/scripts/doc-blocks.py" show "$source_dir/README.md" --section "$1" --language "$2"
+}
+readme_block "Use it from C++" cpp >"$app/my_app.cpp" || fail "no C++ block in the README's \"Use it from C++\""
 
 
 # Runs the application against the simulator of the tree it was built against, started on a free
@@ -84,12 +84,8 @@ dpkg-deb -f "$work"/debs/libtavclient-dev_*.deb Depends | grep -q 'libtavclient0
 build_and_run "$root/usr" "$work/packaged"
 if [ -d "$build/python-module" ]; then
   # The README's Python example.
-  awk '/^## Use it from Python/ { section = 1 }
-       section && /^```python/ { code = 1; next }
-       code && /^```/ { exit }
-       code' "$source_dir/README.md" >"$work/readme_example.py"
   python_app=$work/readme_example.py
-  [ -s "$python_app" ] || fail "no Python block in the README's \"Use it from Python\""
+  readme_block "Use it from Python" python >"$python_app" || fail "no Python block in the README's \"Use it from Python\""
   output=$(cd "$work" && HOME=$work PYTHONPATH=$root/usr/lib/python3/dist-packages timeout 60 \
     /usr/bin/python3 "$python_app") || fail "packaged Python module: $output"
   echo "python3-tavclient: $output"
