@@ -11,6 +11,7 @@
 #include <map>
 #include <optional>
 #include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -118,25 +119,54 @@ TEST(LogFileTest, NamesFilesAfterTheStartAndMovesOnWithTheFirstRecordOfEachLater
             }));
 }
 
-TEST(LogFileTest, FillsEachFileWithWholeLinesAndKeepsOnlyTheNewestOfTheLibrarysFiles) {
+// A line goes whole into the file that has room for it; only one longer than a file is cut.
+TEST(LogFileTest, FillsEachFileWithWholeLines) {
   const std::time_t start = SampleStart();
   const tavtest::TemporaryDirectory directory;
-  for (const char* name : {"20250101000000.log", "20260102030405.txt", "notes.log"}) {
-    std::ofstream(directory.Path() + "/" + name) << "x";
-  }
   {
-    LogFile file(directory.Path(), start, LogLimits{16, 3});
+    LogFile file(directory.Path(), start, LogLimits{16, 8});
     file.Write(start, "one\ntwo\nthree\nfour");
     file.Write(start, std::string(20, 'x'));
     file.Write(start, "five\nsix");
   }
   EXPECT_EQ(FilesIn(directory.Path()), (Files{
+                                           {"20260102030405.log", "one\ntwo\nthree\n"},
                                            {"20260102030405-1.log", "four\n"},
                                            {"20260102030405-2.log", std::string(15, 'x') + "\n"},
                                            {"20260102030405-3.log", "five\nsix\n"},
-                                           {"20260102030405.txt", "x"},
-                                           {"notes.log", "x"},
                                        }));
+}
+
+// Each new file leaves exactly the newest of the library's log files up to the limit, those of
+// earlier runs included, and no other file is touched.
+TEST(LogFileTest, EachNewFileKeepsExactlyTheNewestOfTheLibrarysFilesUpToTheLimit) {
+  const std::time_t start = SampleStart();
+  const tavtest::TemporaryDirectory directory;
+  for (const char* name :
+       {"20250101000000.log", "20250101000000-1.log", "20260102030405.txt", "notes.log"}) {
+    std::ofstream(directory.Path() + "/" + name) << "x";
+  }
+  using Names = std::set<std::string>;
+  const Names others{"20260102030405.txt", "notes.log"};
+  const std::vector<Names> kept{
+      {"20250101000000.log", "20250101000000-1.log", "20260102030405.log"},
+      {"20250101000000-1.log", "20260102030405.log", "20260102030405-1.log"},
+      {"20260102030405.log", "20260102030405-1.log", "20260102030405-2.log"},
+      {"20260102030405-1.log", "20260102030405-2.log", "20260102030405-3.log"},
+  };
+  LogFile file(directory.Path(), start, LogLimits{1024, 3});
+  for (std::size_t hour = 0; hour < kept.size(); ++hour) {
+    if (hour > 0) {
+      file.Write(start + static_cast<std::time_t>(hour) * kHour + 1, "a later hour");
+    }
+    Names expected = kept[hour];
+    expected.insert(others.begin(), others.end());
+    Names names;
+    for (const auto& [name, content] : FilesIn(directory.Path())) {
+      names.insert(name);
+    }
+    EXPECT_EQ(names, expected) << "with file " << hour;
+  }
 }
 
 // Levels out of range are refused and leave everything logged, as by default.

@@ -1,6 +1,5 @@
 #include <chrono>
 #include <functional>
-#include <future>
 #include <string>
 #include <utility>
 #include <vector>
@@ -80,14 +79,15 @@ protected:
     };
   }
 
-  // The exact text of the last command sent, from its parameter elements and checksum.
-  std::string CommandText(const std::string& parameters, int checksum) {
+  // The exact text of the command `message`, from its parameter elements and checksum.
+  std::string CommandText(const tavsim::ClientMessage& message, const std::string& parameters,
+                          int checksum) {
     std::string clientId;
     robot.GetClientIP(clientId);
     const std::string block =
         parameters.empty() ? "<parameter />" : "<parameter>" + parameters + "</parameter>";
-    return "<root><head><timestamp>" + sent.timestamp + "</timestamp><ClientID>" + clientId +
-           "</ClientID></head><function>" + block + "<name>" + sent.functionName +
+    return "<root><head><timestamp>" + message.timestamp + "</timestamp><ClientID>" + clientId +
+           "</ClientID></head><function>" + block + "<name>" + message.functionName +
            "</name></function><tail><checksum>" + std::to_string(checksum) +
            "</checksum></tail></root>";
   }
@@ -99,48 +99,67 @@ protected:
   int inputs[8] = {};
 };
 
-TEST_F(RobotCommandTest, LoginThenEveryCommandSendsItsExactText) {
+TEST_F(RobotCommandTest, LoginIntroducesTheClient) {
   EXPECT_EQ(hello.raw,
             "<root><head><identifier>ClientInfo</identifier></head><ClientInfo><version>0.1.0"
             "</version><system>windows</system><language>CPP</language></ClientInfo><tail>"
             "<checksum>1243</checksum></tail></root>");
+}
+
+TEST_F(RobotCommandTest, EveryCommandSendsItsExactText) {
   for (const WireCase& wire : EveryCommand()) {
     SCOPED_TRACE(wire.wireName);
-    Ask(wire.call, wire.wireName, "[1, 2, 3, 4, 5, 6]");
-    EXPECT_EQ(sent.raw, CommandText(wire.parameters, wire.checksum));
+    ASSERT_TRUE(Ask(wire.call, wire.wireName, "[1, 2, 3, 4, 5, 6]"));
+    EXPECT_EQ(sent.raw, CommandText(sent, wire.parameters, wire.checksum));
   }
 }
 
-// Before a Setup the all-motor forms send "[]"; Setup learns the ids that they use from then on.
-// The logout closes the connection, and the Robot is destroyed after it.
-TEST_F(RobotCommandTest, ASessionSetsUpDiscoversTheMotorIdsForTheAllMotorFormsAndLogsOut) {
+TEST_F(RobotCommandTest, BeforeAnySetupTheAllMotorFormsNameNoMotor) {
   size_t count = 99;
   int ids[16] = {};
   EXPECT_EQ(robot.get_motor_ids(count, ids), 0);
   EXPECT_EQ(count, 0u);
   EXPECT_EQ(Exchange([&] { return robot.hold(); }, "hold"), 0);
-  EXPECT_EQ(sent.raw, CommandText("<motor_ids>[]</motor_ids>", 607));
+  EXPECT_EQ(sent.raw, CommandText(sent, "<motor_ids>[]</motor_ids>", 607));
   Ask([&] { return robot.forward(kReals, pose); }, "forward", "[1,2,3,4,5,6]");
-  EXPECT_EQ(sent.raw, CommandText("<angles>[]</angles>", 941));
+  EXPECT_EQ(sent.raw, CommandText(sent, "<angles>[]</angles>", 941));
+}
 
-  std::future<int> setup = Start([&] { return robot.Setup("arm", kChannel, Setup_Mode::Virtual); });
-  ASSERT_TRUE(Step(controller.ReceiveCommand("Robot", sent)) && Step(controller.Reply(sent)));
-  EXPECT_EQ(sent.raw, CommandText(R"(<name>arm</name><parameters>{"channel_name": "can0",)"
-                                  R"("channel_type": "can","protocol": "canopen","host_id": 1,)"
-                                  R"("baud_rate": 500000}</parameters><virtual>1</virtual>)",
-                                  9125));
-  ASSERT_TRUE(Step(controller.ReceiveCommand("get_motor_ids", sent)));
-  EXPECT_EQ(sent.raw, CommandText("", 1391));
-  // The ids are 1, 2, ... for as long as each number's text occurs in the reply: "10" holds
-  // the 1, and 8 is not one of them, as 7 is missing.
-  ASSERT_TRUE(Step(controller.Reply(sent, "0", {{"result1", "[10, 2, 3, 4, 5, 6, 8]"}})));
-  EXPECT_EQ(setup.get(), 0);
+TEST_F(RobotCommandTest, SetupSendsTheChannelThenAsksForTheMotorIds) {
+  ASSERT_TRUE(SetUpWithMotors("[1]"));
+  EXPECT_EQ(setupRequest.raw,
+            CommandText(setupRequest,
+                        R"(<name>arm</name><parameters>{"channel_name": "can0",)"
+                        R"("channel_type": "can","protocol": "canopen","host_id": 1,)"
+                        R"("baud_rate": 500000}</parameters><virtual>1</virtual>)",
+                        9125));
+  EXPECT_EQ(sent.raw, CommandText(sent, "", 1391));
+}
 
+// The ids are 1, 2, ... for as long as each number's text occurs in the reply: "10" holds the
+// 1, and 8 is not one of them, as 7 is missing.
+TEST_F(RobotCommandTest, SetupLearnsTheMotorIdsThatTheAllMotorFormsUse) {
+  ASSERT_TRUE(SetUpWithMotors("[10, 2, 3, 4, 5, 6, 8]"));
   Ask([&] { return robot.get_current(values); }, "get_current", "[0.5]");
   EXPECT_EQ(sent.parameters["motor_ids"], R"(["1","2","3","4","5","6"])");
   const double angles[6] = {0.0, 0.5, 1.0, 1.5, 2.0, 2.5};
   Ask([&] { return robot.forward(angles, pose); }, "forward", "[1,2,3,4,5,6]");
   EXPECT_EQ(sent.parameters["angles"], "[0.000000,0.500000,1.000000,1.500000,2.000000,2.500000]");
+}
+
+// The controller may be another one after a new login: its motors are learned at its Setup.
+TEST_F(RobotCommandTest, ANewLoginForgetsTheMotorIdsUntilTheNextSetup) {
+  ASSERT_TRUE(SetUpWithMotors("[1, 2]"));
+  ASSERT_TRUE(LogIn(robot));
+  std::vector<int> ids{99};
+  EXPECT_EQ(robot.get_motor_ids(ids), 0);
+  EXPECT_EQ(ids, std::vector<int>{});
+  ASSERT_TRUE(SetUpWithMotors("[1, 2, 3]"));
+  EXPECT_EQ(robot.get_motor_ids(ids), 0);
+  EXPECT_EQ(ids, (std::vector<int>{1, 2, 3}));
+}
+
+TEST_F(RobotCommandTest, LogoutClosesTheConnection) {
   EXPECT_EQ(robot.RobotLogout(), 0);
   EXPECT_TRUE(controller.ExpectClientClosed());
 }

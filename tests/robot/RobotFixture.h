@@ -16,6 +16,12 @@ class RobotTest : public ::testing::Test {
 protected:
   using Results = tavtest::ScriptedController::Results;
 
+  // Replies come within milliseconds here: a fault that loses them fails each call in seconds,
+  // not after the default hour.
+  static constexpr double kReplyTimeoutSeconds = 3.0;
+
+  RobotTest() { robot.SetReplyTimeout(kReplyTimeoutSeconds); }
+
   template <typename Call>
   static std::future<int> Start(Call call) {
     return std::async(std::launch::async, call);
@@ -59,17 +65,36 @@ protected:
   }
 
   // A query answered with state `state` and the result list `result1`: it returns the state.
+  // False otherwise, so that a test can stop before it reads outputs that were never written.
   template <typename Call>
-  void Ask(Call call, const std::string& wireName, const std::string& result1,
+  bool Ask(Call call, const std::string& wireName, const std::string& result1,
            const std::string& state = "0") {
-    EXPECT_EQ(Exchange(call, wireName, state, {{"result1", result1}}), std::stoi(state))
-        << wireName;
+    const int code = Exchange(call, wireName, state, {{"result1", result1}});
+    EXPECT_EQ(code, std::stoi(state)) << wireName;
+    return code == std::stoi(state);
+  }
+
+  // Runs Setup while the controller accepts the channel and answers the motor discovery with
+  // `ids`; `sent` then holds the discovery request.
+  ::testing::AssertionResult SetUpWithMotors(const std::string& ids) {
+    const Setup_Param channel{"can0", "can", "canopen", 1, 500000};
+    std::future<int> setup =
+        Start([&] { return robot.Setup("arm", channel, Setup_Mode::Virtual); });
+    if (Step(controller.ReceiveCommand("Robot", setupRequest)) &&
+        Step(controller.Reply(setupRequest)) &&
+        Step(controller.ReceiveCommand("get_motor_ids", sent))) {
+      Step(controller.Reply(sent, "0", {{"result1", ids}}));
+    }
+    const int code = setup.get();
+    return code == 0 ? ::testing::AssertionSuccess()
+                     : ::testing::AssertionFailure() << "Setup returned " << code;
   }
 
   tavtest::ScriptedController controller;
   Robot robot;
   tavsim::ClientMessage hello;
   tavsim::ClientMessage sent;
+  tavsim::ClientMessage setupRequest;
 };
 
 // The same, with the Robot logged in.

@@ -1,3 +1,4 @@
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -29,12 +30,14 @@ TEST_F(RobotQueryTest, RealsPassThroughSinglePrecision) {
 TEST_F(RobotQueryTest, ALongReplyNeverOverrunsTheCallersArray) {
   const int ids[2] = {1, 2};
   auto two = std::make_unique<double[]>(2);
-  Ask([&] { return robot.get_velocity(2, ids, two.get()); }, "get_velocity", "[1.5, 2.5, 3.5]");
+  ASSERT_TRUE(Ask([&] { return robot.get_velocity(2, ids, two.get()); }, "get_velocity",
+                  "[1.5, 2.5, 3.5]"));
   EXPECT_EQ(std::vector<double>(two.get(), two.get() + 2), (std::vector<double>{1.5, 2.5}));
 
   auto joints = std::make_unique<double[]>(6);
   // Before any Setup, inverse writes the arm's six joints.
-  Ask([&] { return robot.inverse(_Pose{}, joints.get()); }, "inverse", "[1,2,3,4,5,6,7]");
+  ASSERT_TRUE(
+      Ask([&] { return robot.inverse(_Pose{}, joints.get()); }, "inverse", "[1,2,3,4,5,6,7]"));
   EXPECT_EQ(joints[5], 6.0);
   std::string many = "[0";
   for (int i = 1; i < 4000; ++i) {
@@ -43,12 +46,23 @@ TEST_F(RobotQueryTest, ALongReplyNeverOverrunsTheCallersArray) {
   many += "]";
   auto none = std::make_unique<int[]>(1);
   none[0] = -1;
-  Ask([&] { return robot.get_input(none.get()); }, "get_input", many);
+  ASSERT_TRUE(Ask([&] { return robot.get_input(none.get()); }, "get_input", many));
   EXPECT_EQ(none[0], -1) << "no motor ids cached, so no room";
   std::vector<int> inputs;
-  Ask([&] { return robot.get_input(inputs); }, "get_input", many);
-  EXPECT_EQ(inputs.size(), 4000u);
+  ASSERT_TRUE(Ask([&] { return robot.get_input(inputs); }, "get_input", many));
+  ASSERT_EQ(inputs.size(), 4000u);
   EXPECT_EQ(inputs[3999], 9);
+}
+
+// However long the reply time-out, its deadline must not overflow the clock into the past,
+// which would fail every call at once.
+TEST_F(RobotQueryTest, AHugeReplyTimeoutStillWaitsForTheReply) {
+  for (const double seconds : {1e12, std::numeric_limits<double>::max()}) {
+    ASSERT_EQ(robot.SetReplyTimeout(seconds), 0);
+    double value = kUntouched;
+    Ask([&] { return robot.get_angles(1, value); }, "get_angles", "[3]");
+    EXPECT_EQ(value, 3.0) << seconds;
+  }
 }
 
 // A refusal returns its state, read like strtol; a value that does not parse throws to the
