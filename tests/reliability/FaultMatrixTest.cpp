@@ -21,6 +21,7 @@
 #include "common/TavLogger.h"
 #include "server/SimulatorServer.h"
 #include "support/ProcessProbe.h"
+#include "support/ReplyTimeout.h"
 #include "support/ScriptedController.h"
 #include "support/TemporaryHome.h"
 
@@ -210,6 +211,7 @@ TEST_P(FaultMatrixTest, WaitingCallReturnsItsCodeInTimeAndANewRobotWorks) {
   EXPECT_EQ(robot.RobotLogout(), 0);
 
   Robot fresh;
+  ASSERT_EQ(fresh.SetReplyTimeout(tavtest::kReplyTimeoutSeconds), 0);
   ASSERT_EQ(fresh.RobotLogin("127.0.0.1", PortArg(healthy.Port())), 0);
   EXPECT_EQ(fresh.Setup("arm", kChannel, Setup_Mode::Virtual), 0);
   EXPECT_EQ(fresh.get_angles(1, angle), 0);
@@ -225,6 +227,7 @@ TEST(BusyControllerTest, AControllerThatAnswersHeartbeatsIsNotFailedWhileItWorks
   tavsim::SimulatorServer busy;
   busy.Faults().Add(Fault::DelayReply(kStruck, 1500ms));
   Robot robot;
+  ASSERT_EQ(robot.SetReplyTimeout(tavtest::kReplyTimeoutSeconds), 0);
   ASSERT_EQ(robot.SetHeartbeat(0.05, 0.5), 0);
   ASSERT_EQ(robot.RobotLogin("127.0.0.1", PortArg(busy.Port())), 0);
   ASSERT_EQ(robot.Setup("arm", kChannel, Setup_Mode::Virtual), 0);

@@ -8,6 +8,7 @@
 
 #include "Robot.h"
 #include "common/TavUtils.h"
+#include "support/ReplyTimeout.h"
 #include "support/ScriptedController.h"
 
 // A Robot facing a scripted controller on 127.0.0.1. Robot calls block until their reply, so
@@ -16,11 +17,7 @@ class RobotTest : public ::testing::Test {
 protected:
   using Results = tavtest::ScriptedController::Results;
 
-  // Replies come within milliseconds here: a fault that loses them fails each call in seconds,
-  // not after the default hour.
-  static constexpr double kReplyTimeoutSeconds = 3.0;
-
-  RobotTest() { robot.SetReplyTimeout(kReplyTimeoutSeconds); }
+  RobotTest() { robot.SetReplyTimeout(tavtest::kReplyTimeoutSeconds); }
 
   template <typename Call>
   static std::future<int> Start(Call call) {

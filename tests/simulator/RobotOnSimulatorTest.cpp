@@ -13,6 +13,7 @@
 #include "common/RobotEvent.h"
 #include "server/SimulatorServer.h"
 #include "support/Polling.h"
+#include "support/ReplyTimeout.h"
 
 namespace {
 
@@ -40,8 +41,20 @@ void ExpectPoseNear(const _Pose& actual, const _Pose& expected, const std::strin
 class RobotOnSimulatorTest : public ::testing::Test {
 protected:
   void SetUp() override {
+    ASSERT_EQ(robot.SetReplyTimeout(tavtest::kReplyTimeoutSeconds), 0);
     ASSERT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0);
     ASSERT_EQ(robot.Setup("arm", kChannel, Setup_Mode::Virtual), 0);
+  }
+
+  // Starts a six-second move of joint 1 and a wait for it, which pends at the simulator.
+  std::future<int> WaitForASlowMove() {
+    EXPECT_EQ(robot.move_to_angles(1, 60.0, 10.0f, 10.0f, Relative_Mode::Relative), 0);
+    std::future<int> waiting =
+        std::async(std::launch::async, [this] { return robot.wait_for_motors(1); });
+    EXPECT_TRUE(tavtest::PollUntil(5000ms, [this] {
+      return server.Controller().SecondsUntilNextCompletion().has_value();
+    })) << "the wait reached the simulator";
+    return waiting;
   }
 
   std::vector<double> Angles() {
@@ -54,9 +67,9 @@ protected:
   Robot robot;
 };
 
-// Poses, joints and the tool through the library's texts and back: what the arm does is what
-// the caller reads. (The Python tests follow a path and read joints and I/O back.)
-TEST_F(RobotOnSimulatorTest, CommandsReachTheArmAndQueriesReadItBack) {
+// Poses and joints through the library's texts and back: where the arm goes is what the caller
+// reads. (The Python tests follow a path and read joints and I/O back.)
+TEST_F(RobotOnSimulatorTest, TheArmReachesThePoseWhoseJointsInverseGave) {
   _Pose target, reached;
   ASSERT_EQ(robot.get_pose(target), 0);
   target.x -= 0.1;
@@ -72,7 +85,9 @@ TEST_F(RobotOnSimulatorTest, CommandsReachTheArmAndQueriesReadItBack) {
   ExpectPoseNear(reached, target, "the arm at the joints of inverse");
   ASSERT_EQ(robot.forward(Angles().data(), reached), 0);
   ExpectPoseNear(reached, target, "forward of the arm's joints");
+}
 
+TEST_F(RobotOnSimulatorTest, TheGrippersActionShowsOnItsSensor) {
   int level = -1;
   ASSERT_EQ(robot.set_EOAT_action("gripper", "close"), 0);
   EXPECT_TRUE(tavtest::PollUntil(3000ms, [&] {
@@ -81,22 +96,26 @@ TEST_F(RobotOnSimulatorTest, CommandsReachTheArmAndQueriesReadItBack) {
   EXPECT_EQ(robot.set_EOAT_action("gripper", "explode"), 2001071);
 }
 
-TEST_F(RobotOnSimulatorTest, PendingWaitHoldsUpNoOtherCallerAndStopEndsIt) {
-  ASSERT_EQ(robot.move_to_angles(1, 60.0, 10.0f, 10.0f, Relative_Mode::Relative), 0);
-  std::future<int> waiting =
-      std::async(std::launch::async, [this] { return robot.wait_for_motors(1); });
-  ASSERT_TRUE(tavtest::PollUntil(5000ms, [this] {
-    return server.Controller().SecondsUntilNextCompletion().has_value();
-  })) << "the wait reached the simulator";
+TEST_F(RobotOnSimulatorTest, APendingWaitHoldsUpNoOtherCaller) {
+  std::future<int> waiting = WaitForASlowMove();
   double angle = 0.0;
   ASSERT_EQ(robot.get_angles(1, angle), 0);
   EXPECT_EQ(waiting.wait_for(0ms), std::future_status::timeout)
       << "the query was answered while the wait pends";
   ASSERT_EQ(robot.stop(), 0);
+}
+
+TEST_F(RobotOnSimulatorTest, StopEndsAPendingWaitWithItsCode) {
+  std::future<int> waiting = WaitForASlowMove();
+  ASSERT_EQ(robot.stop(), 0);
   EXPECT_EQ(waiting.get(), kMotionInterrupted);
-  ASSERT_EQ(robot.move_to_angles(1, 0.0, 10.0f, 10.0f, Relative_Mode::Absolute), 2001051)
-      << "stopped";
+}
+
+TEST_F(RobotOnSimulatorTest, AStoppedControllerRefusesMovesUntilRecover) {
+  ASSERT_EQ(robot.stop(), 0);
+  EXPECT_EQ(robot.move_to_angles(1, 10.0, 10.0f, 10.0f, Relative_Mode::Absolute), 2001051);
   ASSERT_EQ(robot.recover(), 0);
+  EXPECT_EQ(robot.move_to_angles(1, 10.0, 10.0f, 10.0f, Relative_Mode::Absolute), 0);
 }
 
 // The fault matrix covers faults during a call; a damaged reply to the login fails the login.
@@ -114,6 +133,7 @@ TEST(RobotMotorCountTest, SetUpDiscoversAsManyMotorsAsTheSimulatorHas) {
     options.controller.motorCount = motors;
     tavsim::SimulatorServer server(options);
     Robot robot;
+    ASSERT_EQ(robot.SetReplyTimeout(tavtest::kReplyTimeoutSeconds), 0);
     EXPECT_EQ(robot.RobotLogin("127.0.0.1", PortOf(server)), 0);
     EXPECT_EQ(
         robot.Setup("arm", kChannel, motors == kJoints ? Setup_Mode::Virtual : Setup_Mode::Real),
@@ -133,6 +153,9 @@ TEST(RobotArmsTest, OneFailingSessionLeavesTheOtherAnswering) {
   tavsim::SimulatorServer healthyServer;
   Robot failing;
   Robot healthy;
+  for (Robot* robot : {&failing, &healthy}) {
+    ASSERT_EQ(robot->SetReplyTimeout(tavtest::kReplyTimeoutSeconds), 0);
+  }
   ASSERT_EQ(failing.RobotLogin("127.0.0.1", PortOf(failingServer)), 0);
   ASSERT_EQ(healthy.RobotLogin("127.0.0.1", PortOf(healthyServer)), 0);
   ASSERT_EQ(healthy.Setup("arm", kChannel, Setup_Mode::Virtual), 0);

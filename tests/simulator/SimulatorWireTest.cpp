@@ -71,7 +71,7 @@ TEST_F(SimulatorWireTest, EveryReplyIsOneTheLibraryAccepts) {
   EXPECT_EQ(client.Call("Robot", {{"name", "arm"}})["state"], "2001021");
 }
 
-TEST_F(SimulatorWireTest, ClosingAClientDropsItsWaitAndStopClosesEveryConnection) {
+TEST_F(SimulatorWireTest, ClosingAClientDropsItsPendingWait) {
   auto first = MovingClient("2", "-60.000000", "10.000000");
   auto second = MovingClient("1", "90.000000", "1.000000");
   first->SendCommand("wait_for_motors", {{"motor_ids", R"(["2"])"}});
@@ -84,10 +84,17 @@ TEST_F(SimulatorWireTest, ClosingAClientDropsItsWaitAndStopClosesEveryConnection
   clock->Advance(10.0);  // the first client's motor arrives, the second's does not
   server.Wake();
   EXPECT_TRUE(second->HeartAnswered());
+}
 
+TEST_F(SimulatorWireTest, StopClosesEveryConnectionAndTheListener) {
+  auto waiting = MovingClient("1", "90.000000", "1.000000");
+  waiting->SendCommand("wait_for_motors", {{"motor_ids", R"(["1"])"}});
+  WireClient idle(server.Port());
+  ASSERT_TRUE(tavtest::PollUntil(2000ms, [&] { return server.ConnectionCount() == 2; }));
   server.Stop();
   EXPECT_EQ(server.ConnectionCount(), 0u);
-  EXPECT_TRUE(second->ClosedByPeer());
+  EXPECT_TRUE(waiting->ClosedByPeer());
+  EXPECT_TRUE(idle.ClosedByPeer());
   EXPECT_FALSE(WireClient(server.Port()).Connected()) << "the listener is closed";
 }
 

@@ -8,6 +8,7 @@
 
 #include "Robot.h"
 #include "server/SimulatorServer.h"
+#include "support/ReplyTimeout.h"
 
 namespace {
 
@@ -27,6 +28,7 @@ protected:
 
 TEST_F(ViewRoutesTest, StateListsCommandsRefusalsAndFaults) {
   Robot robot;
+  ASSERT_EQ(robot.SetReplyTimeout(tavtest::kReplyTimeoutSeconds), 0);
   ASSERT_EQ(robot.RobotLogin("127.0.0.1", static_cast<short>(server.Port())), 0);
   ASSERT_EQ(robot.Setup("arm", kChannel, Setup_Mode::Virtual), 0);
   ASSERT_EQ(robot.move_to_angles(1, 10.0, 90.0f, 180.0f, Relative_Mode::Absolute), 0);
