@@ -89,14 +89,14 @@ def test_state_is_served_as_json_only_with_a_view():
         assert plain.view_port is None
 
 
-def test_the_page_draws_the_angles_the_robot_reads_and_survives_a_restart(tmp_path):
+def test_the_page_draws_the_angles_the_robot_reads_and_survives_a_restart(tmp_path, new_robot):
     if not os.access(CHROMIUM, os.X_OK):
         pytest.skip("chromium is not installed (scripts/install-deps.sh test installs it)")
     simulator = viewed_simulator()
     port = simulator.view_port
     browser = Chromium(f"http://127.0.0.1:{port}/", tmp_path / "profile")
     try:
-        with tavclient.Robot() as robot:
+        with new_robot() as robot:
             robot.RobotLogin("127.0.0.1", simulator.port)
             robot.Setup("arm", CHANNEL, Setup_Mode.Virtual)
             for target in TOUR:

@@ -1,4 +1,6 @@
 import gc
+import re
+import socket
 import threading
 
 import pytest
@@ -6,6 +8,7 @@ import tavclient
 from tavclient import Relative_Mode, RobotError, Setup_Mode, Traj_Close_Mode
 
 CHANNEL = ("can0", "can", "canopen", 1, 500000)
+CHANNEL_7 = ("can0", "can", "canopen", 7, 250000)
 
 
 @pytest.fixture
@@ -15,8 +18,8 @@ def simulator():
 
 
 @pytest.fixture
-def robot(simulator):
-    with tavclient.Robot() as robot:
+def robot(simulator, new_robot):
+    with new_robot() as robot:
         robot.RobotLogin("127.0.0.1", simulator.port)
         robot.Setup("arm", CHANNEL, Setup_Mode.Virtual)
         yield robot
@@ -133,15 +136,67 @@ def test_a_robot_whose_callback_refers_to_it_is_collected_and_logs_out(simulator
     assert simulator.wait_for_activity("closed by the client")
 
 
-def test_leaving_the_blocks_logs_out_and_stops_the_simulator():
+def test_leaving_the_robots_block_logs_out(new_robot):
     with tavclient.Simulator(motors=7) as simulator:
-        with tavclient.Robot() as robot:
+        with new_robot() as robot:
             robot.RobotLogin("127.0.0.1", simulator.port)
             robot.Setup("arm", tavclient.Setup_Param(*CHANNEL), Setup_Mode.Virtual)
             assert robot.get_motor_ids() == list(range(1, 8))
         with pytest.raises(RobotError) as logged_out:
             robot.get_angles(1)
         assert logged_out.value.code == 1001011
+
+
+def test_leaving_the_simulators_block_stops_it():
+    with tavclient.Simulator() as simulator:
+        pass
     with pytest.raises(RobotError) as refused:
         tavclient.Robot().RobotLogin("127.0.0.1", simulator.port)
     assert refused.value.code == 1004021
+
+
+class Recorder:
+    """A pass-through to the simulator that keeps every byte its client sends."""
+
+    def __init__(self, target_port):
+        self.listener = socket.create_server(("127.0.0.1", 0))
+        self.port = self.listener.getsockname()[1]
+        self.target_port = target_port
+        self.sent = bytearray()
+        threading.Thread(target=self._serve, daemon=True).start()
+
+    def _serve(self):
+        with self.listener, self.listener.accept()[0] as client, socket.create_connection(
+            ("127.0.0.1", self.target_port)
+        ) as server:
+            back = threading.Thread(target=self._pump, args=(server, client, None))
+            back.start()
+            self._pump(client, server, self.sent)
+            back.join()
+
+    @staticmethod
+    def _pump(source, sink, record):
+        try:
+            while data := source.recv(65536):
+                if record is not None:
+                    record += data
+                sink.sendall(data)
+            sink.shutdown(socket.SHUT_WR)
+        except OSError:
+            pass
+
+
+# The channel goes out as the controller reads it, host id before baud rate, in either form
+# Python takes it; the simulator checks the checksum.
+@pytest.mark.parametrize("channel", [CHANNEL_7, tavclient.Setup_Param(*CHANNEL_7)], ids=["tuple", "Setup_Param"])
+def test_setup_sends_the_channel_byte_for_byte(simulator, new_robot, channel):
+    recorder = Recorder(simulator.port)
+    with new_robot() as robot:
+        robot.RobotLogin("127.0.0.1", recorder.port)
+        robot.Setup("arm", channel, Setup_Mode.Virtual)
+    setup = re.search(rb"<function>.*?</function>", bytes(recorder.sent))
+    assert setup and setup.group(0) == (
+        b'<function><parameter><name>arm</name><parameters>{"channel_name": "can0","channel_type": "can",'
+        b'"protocol": "canopen","host_id": 7,"baud_rate": 250000}</parameters><virtual>1</virtual>'
+        b"</parameter><name>Robot</name></function>"
+    )
