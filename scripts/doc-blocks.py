@@ -29,7 +29,7 @@ FENCE = re.compile(r"^```\s*([\w+-]*)\s*$")
 MARK = re.compile(r"^<!--\s*doc-block:\s*(.*?)\s*-->\s*$")
 LANGUAGES = {"cpp": "cpp", "python": "python"}
 KINDS = ("fragment", "declarations")
-RUN_SECONDS = 60
+RUN_SECONDS = 30
 
 
 @dataclass
