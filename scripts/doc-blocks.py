@@ -41,6 +41,7 @@ class Block:
     headers: list
     code: str
     section: str
+    problem: str = ""  # a mark that could not be read
 
     def where(self):
         return f"{self.document}:{self.line}"
@@ -76,15 +77,15 @@ def read_blocks(path, shown_as):
 
 
 def _block(shown_as, lines, fence, start, end, language, section):
-    kind, headers = "program", []
+    kind, headers, problem = "program", [], ""
     mark = MARK.match(lines[fence - 1]) if fence > 0 else None
     if mark:
-        words = mark.group(1).split()
-        if not words or words[0] not in KINDS:
-            raise BlockError(f"{shown_as}:{fence}: unknown doc-block mark; expected one of {KINDS}")
+        words = mark.group(1).split() or [""]
         kind, headers = words[0], words[1:]
+        if kind not in KINDS:
+            problem = f"{shown_as}:{fence}: unknown doc-block mark {kind!r}; expected one of {KINDS}"
     code = "\n".join(lines[start:end]) + "\n"
-    return Block(shown_as, start + 1, language, kind, headers, code, section)
+    return Block(shown_as, start + 1, language, kind, headers, code, section, problem)
 
 
 def cxx_source(block):
@@ -194,6 +195,8 @@ def check(arguments):
             with tempfile.TemporaryDirectory() as work:
                 checker = check_cxx if block.language == "cpp" else check_python
                 try:
+                    if block.problem:
+                        raise BlockError(block.problem)
                     outcome = checker(block, arguments, Path(work))
                     print(f"ok     {block.where()} ({block.language} {block.kind}): {outcome}")
                 except BlockError as error:
