@@ -48,7 +48,7 @@ TEST(TavXmlElement, KeepsTheQuirksOfItsSerialisedText) {
 }
 
 // One document reads every text in turn, so each parse must also drop the tree before it.
-TEST(TavXmlDocument, BuildsTreesOfTheShapesBothSidesWriteAndKeepsTheNameSearchQuirks) {
+TEST(TavXmlDocument, BuildsTreesOfTheShapesBothSidesWrite) {
   const struct {
     std::string text, tree;
   } cases[] = {
@@ -69,6 +69,10 @@ TEST(TavXmlDocument, BuildsTreesOfTheShapesBothSidesWriteAndKeepsTheNameSearchQu
     ASSERT_EQ(document.parse(c.text), 0);
     EXPECT_EQ(Describe(document.rootView()), c.tree);
   }
+}
+
+TEST(TavXmlDocument, KeepsTheNameSearchQuirks) {
+  TavXmlDocument document;
   std::string nested = "<a><a>1</a></a>", closeFirst = "</a>x<a>y", root = "<root>T</root>";
   EXPECT_EQ(document._getElement(nested, "a").getText(), "<a>1");
   EXPECT_EQ(document._getElement(closeFirst, "a").getText(), "y");
