@@ -83,27 +83,34 @@ TEST_F(Motion, StopHoldAndReleaseBrakeAtTheMovesAccelerationAndWaitsEndWhenTheJo
   EXPECT_EQ(state("calibrate"), StateCodes::kRefusedInState) << "calibration needs the arm at rest";
 }
 
-TEST_F(Motion, ANewMoveStartsFromTheJointsSpeedBrakesFirstToTurnBackAndTheWaitFollowsIt) {
+TEST_F(Motion, ANewMoveStartsFromTheJointsSpeed) {
   ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.0]", "30.0", "60.0")), StateCodes::kOk);
-  Reply wait = call("wait_for_motors", motors(kOne));
+  ASSERT_TRUE(call("wait_for_motors", motors(kOne)).Pending());
   clock->Advance(2.0);  // at 52.5 and 30 deg/s
   ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[120.0]", "60.0", "60.0")), StateCodes::kOk);
   EXPECT_NEAR(query("get_velocity", motors(kOne))[0], 30.0, 1e-6) << "not from rest";
   // 30 to 60 deg/s over 22.5 degrees, 15 degrees of cruise, 30 degrees to stop.
   EXPECT_NEAR(controller.SecondsUntilNextCompletion().value(), 0.5 + 0.25 + 1.0, 1e-9);
-  clock->Advance(1.0);  // braking at 45 deg/s
+}
+
+// A wait on the motor ends when the move that took it over ends.
+TEST_F(Motion, AMoveBackBrakesBeforeItTurnsAndTheWaitFollowsIt) {
+  ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[90.0]", "30.0", "60.0")), StateCodes::kOk);
+  Reply wait = call("wait_for_motors", motors(kOne));
+  clock->Advance(2.0);  // at 52.5 and 30 deg/s
   const double turn = query("get_angles", motors(kOne))[0];
   ASSERT_EQ(state("move_to_angles", moveParams(kOne, "[0.0]", "30.0", "60.0")), StateCodes::kOk);
-  clock->Advance(0.5);
+  clock->Advance(0.25);
   EXPECT_GT(query("get_angles", motors(kOne))[0], turn) << "brakes before it turns back";
   clock->Advance(10.0);
   auto finished = controller.Poll();
   ASSERT_EQ(finished.size(), 1u);
+  EXPECT_EQ(finished[0].ticket, wait.ticket);
   EXPECT_EQ(finished[0].reply.state, "0");
   EXPECT_NEAR(query("get_angles", motors(kOne))[0], 0.0, 1e-9);
 }
 
-TEST_F(Motion, HoldBrakesTheWholeMoveAndReleaseMakesAMotorLimp) {
+TEST_F(Motion, HoldBrakesTheWholeMoveOfTheMotorsItNames) {
   ASSERT_EQ(state("move_to_angles", moveParams(R"(["1","2"])", "[40.0,-80.0]", "20.0", "40.0")),
             StateCodes::kOk);
   clock->Advance(1.0);
@@ -111,6 +118,9 @@ TEST_F(Motion, HoldBrakesTheWholeMoveAndReleaseMakesAMotorLimp) {
   clock->Advance(3.0);
   // Both stop together on the move's line: 15 + 5 degrees, a quarter of that for joint 2.
   EXPECT_EQ(call("get_angles", motors(R"(["1","2"])")).result1, "[20.000000,-85.000000]");
+}
+
+TEST_F(Motion, AReleasedMotorIsLimpAndRefusesMovesUntilHeld) {
   EXPECT_EQ(state("release", motors(kOne)), StateCodes::kOk);
   EXPECT_EQ(query("get_current", motors(kOne)), (std::vector<double>{0.0}));
   EXPECT_EQ(state("move_to_angles", moveParams(kOne, "[0.0]", "20.0", "40.0")),
