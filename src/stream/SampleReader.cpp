@@ -56,7 +56,7 @@ int SampleReader::_query(Robot& arm, StateSample& sample) const {
     }
     int code = query();
     if (code == 0) {
-      sample.fresh |= static_cast<StateFields>(field);
+      sample.fresh |= Fields(field);
     }
     return code;
   };

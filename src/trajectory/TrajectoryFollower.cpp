@@ -161,9 +161,9 @@ FollowResult TrajectoryFollower::Impl::_follow(const JointTrajectory& trajectory
   FollowRun::Tolerances perJoint;
   std::vector<double> maxVelocity;
   std::vector<double> maxAcceleration;
-  if (!_startState(trajectory.motorIds, start, refused.message) ||
+  if (Check(trajectory, path, refused.message) != 0 ||
       !FollowRun::ResolveTolerances(tolerances, joints, perJoint, refused.message) ||
-      Check(trajectory, path, refused.message) != 0) {
+      !_startState(trajectory.motorIds, start, refused.message)) {
     return refused;
   }
   std::uint64_t ticket = 0;

@@ -3,8 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include "JointTrajectory.h"
@@ -12,6 +17,7 @@
 #include "StateMonitor.h"
 #include "TrajectoryFollower.h"
 #include "server/SimulatorServer.h"
+#include "support/SampleWaiter.h"
 
 namespace tavtest {
 
@@ -57,20 +63,40 @@ protected:
     return options;
   }
 
-  // Waits for a sample taken after this call.
-  std::shared_ptr<const tavclient::StateSample> FreshSample() {
-    auto before = monitor->Latest();
-    const std::uint64_t seen = before ? before->sequence : 0;
-    for (;;) {
-      auto sample = monitor->Latest();
-      if (sample && sample->sequence > seen + 1) {
-        return sample;
-      }
-      std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
+  // Waits for a sample taken after this call, with fresh angles.
+  void FreshSample() {
+    tavtest::SampleWaiter waiter(*monitor);
+    ASSERT_TRUE(waiter.WaitFor([](const tavclient::StateSample& sample) {
+      return tavclient::Has(sample.fresh, tavclient::StateField::Angles);
+    }));
   }
 
-  tavsim::SimulatorServer simulator;
+  // How many commands of `name` the simulator has been sent.
+  int CommandsSent(const std::string& name) {
+    std::lock_guard<std::mutex> lock(logMutex);
+    return static_cast<int>(std::count_if(
+        commandLog.begin(), commandLog.end(),
+        [&](const auto& line) { return line.find(" " + name + " #") != std::string::npos; }));
+  }
+
+  std::vector<double> Angles() {
+    std::vector<double> angles;
+    EXPECT_EQ(robot->Use([&](Robot& arm) { return arm.get_angles(angles); }), 0);
+    return angles;
+  }
+
+  tavsim::ServerOptions LoggedOptions() {
+    tavsim::ServerOptions options;
+    options.log = [this](const std::string& line) {
+      std::lock_guard<std::mutex> lock(logMutex);
+      commandLog.push_back(line);
+    };
+    return options;
+  }
+
+  std::mutex logMutex;
+  std::vector<std::string> commandLog;
+  tavsim::SimulatorServer simulator{LoggedOptions()};
   std::shared_ptr<tavclient::SharedRobot> robot = std::make_shared<tavclient::SharedRobot>();
   std::shared_ptr<tavclient::StateMonitor> monitor =
       std::make_shared<tavclient::StateMonitor>(robot, MonitorOptions());
