@@ -128,6 +128,20 @@ void BindStreams(py::module_& module) {
           },
           "The newest sample, or None before the first.")
       .def(
+          "wait_next",
+          [](MonitorHandle& m, double timeout) -> std::shared_ptr<StateSample> {
+            std::shared_ptr<const StateSample> sample;
+            {
+              py::gil_scoped_release release;
+              sample = m.Get().WaitNext(std::chrono::duration_cast<std::chrono::milliseconds>(
+                  std::chrono::duration<double>(timeout)));
+            }
+            return sample ? std::make_shared<StateSample>(*sample) : nullptr;
+          },
+          "timeout"_a = 1.0,
+          "Waits up to timeout seconds for the next sample and returns it; None when none came "
+          "in time or the monitor is not running.")
+      .def(
           "subscribe",
           [](MonitorHandle& m, py::object callback) {
             if (!PyCallable_Check(callback.ptr())) {
