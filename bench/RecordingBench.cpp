@@ -1,6 +1,7 @@
 // Recording the arm's state: the monitor at 100 Hz reading angles, velocities and currents of
-// six motors into a CSV file for 10 s (TAVBENCH_RECORD_SECONDS sets another length), with
-// the arm moving. The file's size, scaled to an hour, is what a shift of recording costs.
+// six motors into a CSV file for 10 s or more (TAVBENCH_RECORD_SECONDS sets another length;
+// the last move ends after it), with the arm moving back and forth. The file's size, scaled to an
+// hour, is what a shift of recording costs.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -9,7 +10,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <thread>
 
 #include <tavclient/StateMonitor.h>
 
@@ -43,26 +43,35 @@ void RecordState(benchmark::State& state) {
                             ("tavbench-recording-" + std::to_string(::getpid()) + ".csv"))
                                .string();
   const double seconds = RecordSeconds();
+  double elapsed = 0.0;
   for (auto _ : state) {
-    // Every joint on its way, so that the values have their usual width.
-    const int ids[] = {1, 2, 3, 4, 5, 6};
-    const double targets[] = {120.0, -60.0, 60.0, -120.0, -30.0, 170.0};
-    robot->Use([&](Robot& arm) {
-      return arm.move_to_angles(6, ids, targets, 20.0f, 50.0f, Relative_Mode::Absolute);
-    });
     monitor.StartRecording(path);
     monitor.Start();
-    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+    const auto begin = std::chrono::steady_clock::now();
+    // Every joint back and forth all along, so that the values have their usual width.
+    const int ids[] = {1, 2, 3, 4, 5, 6};
+    const double there[] = {120.0, -60.0, 60.0, -120.0, -30.0, 170.0};
+    const double back[] = {0.0, -90.0, 90.0, -90.0, -90.0, 0.0};
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    for (bool out = true; std::chrono::steady_clock::now() < end; out = !out) {
+      robot->Use([&](Robot& arm) {
+        arm.move_to_angles(6, ids, out ? there : back, 40.0f, 30.0f, Relative_Mode::Absolute);
+        return arm.wait_for_motors(6, ids);
+      });
+    }
     monitor.Stop();
     monitor.StopRecording();
+    elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
   }
   const double bytes = static_cast<double>(std::filesystem::file_size(path));
   std::filesystem::remove(path);
   const auto stats = monitor.Stats();
-  state.counters["seconds"] = seconds;
+  state.counters["seconds"] = elapsed;
   state.counters["rows"] = static_cast<double>(stats.recordedRows);
   state.counters["bytes"] = bytes;
-  state.counters["bytes_per_hour"] = bytes / seconds * 3600.0;
+  // An hour of rows at the monitor's rate.
+  state.counters["bytes_per_hour"] =
+      bytes / static_cast<double>(stats.recordedRows) * options.rateHz * 3600.0;
   state.counters["missed_cycles"] = static_cast<double>(stats.missedCycles);
 }
 

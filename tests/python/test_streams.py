@@ -5,23 +5,9 @@ import threading
 import pytest
 import tavclient
 from tavclient import FollowOutcome, RobotError, Setup_Mode, StateField
+from test_tavclient import CHANNEL, robot, simulator  # noqa: F401 (the fixtures)
 
-CHANNEL = ("can0", "can", "canopen", 1, 500000)
 START = [0.0, -90.0, 90.0, -90.0, -90.0, 0.0]
-
-
-@pytest.fixture
-def simulator():
-    with tavclient.Simulator() as simulator:
-        yield simulator
-
-
-@pytest.fixture
-def robot(simulator):
-    with tavclient.Robot() as robot:
-        robot.RobotLogin("127.0.0.1", simulator.port)
-        robot.Setup("arm", CHANNEL, Setup_Mode.Virtual)
-        yield robot
 
 
 def wait_for(monitor, condition, timeout=5.0):
