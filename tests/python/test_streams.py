@@ -1,4 +1,5 @@
 import csv
+import gc
 import math
 import threading
 
@@ -119,3 +120,24 @@ def test_python_callbacks_run_while_other_threads_wait_in_calls(robot):
         assert results[0].outcome == FollowOutcome.Cancelled
         monitor.unsubscribe(handle)
         assert len(calls) > 20
+
+
+def test_a_failing_or_busy_callback_stalls_nothing(robot, monkeypatch):
+    raised = []
+    monkeypatch.setattr("sys.unraisablehook", lambda report: raised.append(report.exc_value))
+
+    def failing(sample):
+        raise ValueError(f"sample {sample.sequence}")
+
+    with tavclient.StateMonitor(robot, rate_hz=200) as monitor:
+        monitor.subscribe(failing)
+        wait_for(monitor, lambda s: s.sequence >= 10)
+    assert len(raised) >= 3 and isinstance(raised[0], ValueError)
+    # A monitor let go while its subscriber is busy in Python waits for it without the GIL.
+    busy = threading.Event()
+    monitor = tavclient.StateMonitor(robot, rate_hz=200)
+    monitor.subscribe(lambda s: (busy.set(), threading.Event().wait(0.05)))
+    monitor.start()
+    assert busy.wait(5.0)
+    del monitor
+    gc.collect()
