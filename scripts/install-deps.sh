@@ -12,9 +12,11 @@ view=(pkg-config libcpp-httplib-dev libjs-three)
 # (libFuzzer among them) build the fuzzing harnesses; valgrind checks the soak for leaks;
 # pybind11 and the Python headers build the Python module, pytest runs its tests and
 # pytest-timeout names one that hangs; dpkg-dev and file let CPack build the Debian packages;
-# clang-format-14 checks the format; chromium loads the live view in its browser test.
+# clang-format-14 checks the format; chromium loads the live view in its browser test;
+# python3-matplotlib draws the recording example's plot.
 test=("${demo[@]}" "${view[@]}" chromium libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
-      libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest python3-pytest-timeout dpkg-dev file
+      libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest python3-pytest-timeout
+      python3-matplotlib dpkg-dev file
       clang-format-14)
 
 packages=()
