@@ -6,7 +6,7 @@ import threading
 import pytest
 import tavclient
 from tavclient import FollowOutcome, RobotError, Setup_Mode, StateField
-from test_tavclient import CHANNEL, robot, simulator  # noqa: F401 (the fixtures)
+from conftest import CHANNEL
 
 START = [0.0, -90.0, 90.0, -90.0, -90.0, 0.0]
 

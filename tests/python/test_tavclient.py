@@ -5,24 +5,10 @@ import threading
 
 import pytest
 import tavclient
+from conftest import CHANNEL
 from tavclient import Relative_Mode, RobotError, Setup_Mode, Traj_Close_Mode
 
-CHANNEL = ("can0", "can", "canopen", 1, 500000)
 CHANNEL_7 = ("can0", "can", "canopen", 7, 250000)
-
-
-@pytest.fixture
-def simulator():
-    with tavclient.Simulator() as simulator:
-        yield simulator
-
-
-@pytest.fixture
-def robot(simulator, new_robot):
-    with new_robot() as robot:
-        robot.RobotLogin("127.0.0.1", simulator.port)
-        robot.Setup("arm", CHANNEL, Setup_Mode.Virtual)
-        yield robot
 
 
 def fields(pose):
