@@ -1,7 +1,8 @@
-// The driver's figures against a simulator, each with its own node and master, printed as one
-// Markdown table: joint_states at 125 and 500 Hz (rate reached, p99 jitter of the stamps, the
-// node's CPU), a 5 s trajectory through the action (tracking error), and how soon joint states
-// come back after a controller restart. Usage: tavclient_ros_bench [SECONDS per rate, 10]
+// The driver's figures against a simulator, each with its own node, printed as one Markdown
+// table: joint_states at 125 and 500 Hz (rate reached, p99 jitter of the stamps, the node's
+// CPU), a 5 s trajectory through the action (tracking error), how soon SIGINT ends the node
+// mid-trajectory and how soon joint states come back after a controller restart.
+// Usage: tavclient_ros_bench [SECONDS measured per rate, 10]
 #include <sensor_msgs/JointState.h>
 #include <signal.h>
 #include <unistd.h>
@@ -83,10 +84,11 @@ void RateRow(double rate, double window) {
     jitter.push_back(std::fabs(gap - 1.0 / rate) * 1e3);
   }
   const double span = (messages.back()->header.stamp - messages.front()->header.stamp).toSec();
-  std::printf("| joint_states at %.0f Hz | %.1f Hz reached, p99 stamp jitter %.3f ms | %.1f %% "
-              "of one core |\n",
-              rate, static_cast<double>(messages.size() - 1) / span, Percentile(jitter, 0.99),
-              100.0 * cpu / window);
+  std::printf(
+      "| joint_states at %.0f Hz | %.1f Hz reached, p99 stamp jitter %.3f ms | %.1f %% "
+      "of one core |\n",
+      rate, static_cast<double>(messages.size() - 1) / span, Percentile(jitter, 0.99),
+      100.0 * cpu / window);
 }
 
 void TrackingRow() {
@@ -96,11 +98,14 @@ void TrackingRow() {
   Goal goal;
   const auto start = arm.states.Last();
   goal.trajectory.joint_names = start->name;
+  // Every joint moves, within the arm's ranges, its floor and its folding rule.
+  const double reach[] = {60.0, 20.0, -30.0, 45.0, 30.0, 90.0};
   for (double fraction : {0.25, 0.5, 0.75, 1.0}) {
     trajectory_msgs::JointTrajectoryPoint point;
     point.time_from_start = ros::Duration(5.0 * fraction);
-    for (double position : start->position) {
-      point.positions.push_back(position + std::sin(fraction * kPi / 2) * kPi / 3);
+    for (std::size_t j = 0; j < start->position.size(); ++j) {
+      point.positions.push_back(start->position[j] +
+                                std::sin(fraction * kPi / 2) * reach[j % 6] * kPi / 180.0);
     }
     goal.trajectory.points.push_back(point);
   }
@@ -108,11 +113,34 @@ void TrackingRow() {
   GoalTracker tracker(client, goal);
   tracker.WaitDone(seconds(30));
   const double took = std::chrono::duration<double>(Clock::now() - sent).count();
-  std::printf("| 5 s trajectory through the action, 60 deg per joint | max tracking error %.3f "
-              "deg, %s after %.2f s, %zu feedbacks | |\n",
-              tracker.MaxFeedbackError() * 180.0 / kPi,
-              tracker.State() == actionlib::TerminalState::SUCCEEDED ? "succeeded" : "failed",
-              took, tracker.Feedbacks());
+  const bool succeeded = tracker.State() == actionlib::TerminalState::SUCCEEDED;
+  std::printf(
+      "| 5 s trajectory through the action, 20 to 90 deg per joint | max tracking error %.3f "
+      "deg, %s after %.2f s, %zu feedbacks | |\n",
+      tracker.MaxFeedbackError() * 180.0 / kPi,
+      succeeded ? "succeeded" : tracker.Outcome().error_string.c_str(), took, tracker.Feedbacks());
+}
+
+void SigintRow() {
+  Arm arm(125);
+  ActionClient client("/arm/follow_joint_trajectory");
+  client.waitForActionServerToStart(ros::Duration(10));
+  Goal goal;
+  const auto start = arm.states.Last();
+  goal.trajectory.joint_names = start->name;
+  trajectory_msgs::JointTrajectoryPoint point;
+  point.time_from_start = ros::Duration(5.0);
+  point.positions = start->position;
+  point.positions[0] += kPi / 3;
+  goal.trajectory.points.push_back(point);
+  GoalTracker tracker(client, goal);
+  tracker.WaitFeedback(60, seconds(10));
+  const auto interrupted = Clock::now();
+  arm.node.Signal(SIGINT);
+  const bool ended = arm.node.WaitExit(seconds(10));
+  std::printf("| SIGINT during a trajectory | node ended after %.3f s%s, arm braked | |\n",
+              std::chrono::duration<double>(Clock::now() - interrupted).count(),
+              ended ? "" : " (still running)");
 }
 
 void RestartRow() {
@@ -144,6 +172,7 @@ int main(int argc, char** argv) {
   RateRow(125, window);
   RateRow(500, window);
   TrackingRow();
+  SigintRow();
   RestartRow();
   return 0;
 }

@@ -11,7 +11,6 @@ namespace tavdriver {
 namespace {
 
 using tavclient::FollowOutcome;
-using Result = tavclient_ros::FollowJointTrajectoryResult;
 
 // A tolerance of -1 lifts the check for its joint: wider than any arm reaches.
 constexpr double kUnchecked = 1e9;
