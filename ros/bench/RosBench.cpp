@@ -56,8 +56,8 @@ struct Arm {
               "_robot_port:=" + std::to_string(listenPort),
               "_publish_rate:=" + std::to_string(rate)}),
         port(listenPort) {
-    if (!states.WaitFor(20, seconds(20))) {
-      throw std::runtime_error("the driver published no joint states");
+    if (!states.WaitFor(20, seconds(20)) || !action.waitForActionServerToStart(ros::Duration(10))) {
+      throw std::runtime_error("the driver published no joint states or no action");
     }
   }
   ~Arm() {
@@ -66,6 +66,7 @@ struct Arm {
   }
 
   Recorder<sensor_msgs::JointState> states{"/arm/joint_states"};
+  ActionClient action{"/arm/follow_joint_trajectory"};
   tavtest::SimulatorProcess simulator;
   ChildProcess node;
   int port;
@@ -91,26 +92,27 @@ void RateRow(double rate, double window) {
       100.0 * cpu / window);
 }
 
-void TrackingRow() {
-  Arm arm(125);
-  ActionClient client("/arm/follow_joint_trajectory");
-  client.waitForActionServerToStart(ros::Duration(10));
+// Five seconds of every joint moving, within the arm's ranges, its floor and its folding rule.
+Goal FiveSecondGoal(const sensor_msgs::JointState& start) {
   Goal goal;
-  const auto start = arm.states.Last();
-  goal.trajectory.joint_names = start->name;
-  // Every joint moves, within the arm's ranges, its floor and its folding rule.
+  goal.trajectory.joint_names = start.name;
   const double reach[] = {60.0, 20.0, -30.0, 45.0, 30.0, 90.0};
   for (double fraction : {0.25, 0.5, 0.75, 1.0}) {
     trajectory_msgs::JointTrajectoryPoint point;
     point.time_from_start = ros::Duration(5.0 * fraction);
-    for (std::size_t j = 0; j < start->position.size(); ++j) {
-      point.positions.push_back(start->position[j] +
+    for (std::size_t j = 0; j < start.position.size(); ++j) {
+      point.positions.push_back(start.position[j] +
                                 std::sin(fraction * kPi / 2) * reach[j % 6] * kPi / 180.0);
     }
     goal.trajectory.points.push_back(point);
   }
+  return goal;
+}
+
+void TrackingRow() {
+  Arm arm(125);
   const auto sent = Clock::now();
-  GoalTracker tracker(client, goal);
+  GoalTracker tracker(arm.action, FiveSecondGoal(*arm.states.Last()));
   tracker.WaitDone(seconds(30));
   const double took = std::chrono::duration<double>(Clock::now() - sent).count();
   const bool succeeded = tracker.State() == actionlib::TerminalState::SUCCEEDED;
@@ -123,17 +125,7 @@ void TrackingRow() {
 
 void SigintRow() {
   Arm arm(125);
-  ActionClient client("/arm/follow_joint_trajectory");
-  client.waitForActionServerToStart(ros::Duration(10));
-  Goal goal;
-  const auto start = arm.states.Last();
-  goal.trajectory.joint_names = start->name;
-  trajectory_msgs::JointTrajectoryPoint point;
-  point.time_from_start = ros::Duration(5.0);
-  point.positions = start->position;
-  point.positions[0] += kPi / 3;
-  goal.trajectory.points.push_back(point);
-  GoalTracker tracker(client, goal);
+  GoalTracker tracker(arm.action, FiveSecondGoal(*arm.states.Last()));
   tracker.WaitFeedback(60, seconds(10));
   const auto interrupted = Clock::now();
   arm.node.Signal(SIGINT);

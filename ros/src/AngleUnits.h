@@ -11,22 +11,21 @@ constexpr double kPi = 3.14159265358979323846;
 constexpr double Radians(double degrees) { return degrees * kPi / 180.0; }
 constexpr double Degrees(double radians) { return radians * 180.0 / kPi; }
 
-inline std::vector<double> Radians(const std::vector<double>& degrees) {
+template <typename Convert>
+std::vector<double> ConvertEach(const std::vector<double>& values, Convert convert) {
   std::vector<double> out;
-  out.reserve(degrees.size());
-  for (double value : degrees) {
-    out.push_back(Radians(value));
+  out.reserve(values.size());
+  for (double value : values) {
+    out.push_back(convert(value));
   }
   return out;
 }
 
+inline std::vector<double> Radians(const std::vector<double>& degrees) {
+  return ConvertEach(degrees, [](double value) { return Radians(value); });
+}
 inline std::vector<double> Degrees(const std::vector<double>& radians) {
-  std::vector<double> out;
-  out.reserve(radians.size());
-  for (double value : radians) {
-    out.push_back(Degrees(value));
-  }
-  return out;
+  return ConvertEach(radians, [](double value) { return Degrees(value); });
 }
 
 }  // namespace tavdriver

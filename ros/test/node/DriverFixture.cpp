@@ -42,6 +42,14 @@ void DriverTest::ConnectRobot() {
   ASSERT_EQ(robot.Setup("arm", {"can0", "can", "canopen", 1, 500000}, Setup_Mode::Virtual), 0);
 }
 
+void DriverTest::StartConnected() {
+  StartSimulator();
+  StartDriver(simulator->Port());
+  ConnectRobot();
+  ASSERT_TRUE(action->waitForActionServerToStart(ros::Duration(10)));
+  ASSERT_TRUE(WaitConnected(true, std::chrono::seconds(10)));
+}
+
 bool DriverTest::WaitConnected(bool connected, std::chrono::milliseconds wait) {
   const std::string wanted = connected ? "true" : "false";
   diagnostics->Clear();

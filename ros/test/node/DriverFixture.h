@@ -36,6 +36,8 @@ protected:
   void StartDriver(int port, const std::vector<std::string>& options = {});
   // Logs the test's own Robot in to the simulator and sets it up.
   void ConnectRobot();
+  // A simulator, the driver for it connected with its action served, and the test's Robot.
+  void StartConnected();
   // Waits until the driver's diagnostics, from now on, say `connected`.
   bool WaitConnected(bool connected, std::chrono::milliseconds wait);
   // The joint names with the prefix: joint_1 ... joint_<count>.

@@ -64,11 +64,7 @@ TEST_F(DriverTest, RidesOutAControllerRestart) {
 }
 
 TEST_F(DriverTest, SigintBrakesTheTrajectoryAndEndsTheNode) {
-  StartSimulator();
-  StartDriver(simulator->Port());
-  ConnectRobot();
-  ASSERT_TRUE(action->waitForActionServerToStart(ros::Duration(10)));
-  ASSERT_TRUE(WaitConnected(true, seconds(10)));
+  StartConnected();
   std::vector<double> far = Angles();
   far[0] += Radians(60);
   GoalTracker tracker(*action, MakeGoal({{4.0, far}}));

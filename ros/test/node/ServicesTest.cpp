@@ -16,11 +16,8 @@ class ServicesTest : public DriverTest {
 protected:
   void SetUp() override {
     DriverTest::SetUp();
-    StartSimulator();
-    StartDriver(simulator->Port());
-    ConnectRobot();
+    StartConnected();
     ASSERT_TRUE(ros::service::waitForService("/arm/inverse", ros::Duration(10)));
-    ASSERT_TRUE(WaitConnected(true, seconds(10)));
   }
 
   static std_srvs::Trigger Trigger(const std::string& name) {

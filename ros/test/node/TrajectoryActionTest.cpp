@@ -14,11 +14,7 @@ class TrajectoryActionTest : public DriverTest {
 protected:
   void SetUp() override {
     DriverTest::SetUp();
-    StartSimulator();
-    StartDriver(simulator->Port());
-    ConnectRobot();
-    ASSERT_TRUE(action->waitForActionServerToStart(ros::Duration(10)));
-    ASSERT_TRUE(WaitConnected(true, seconds(10)));
+    StartConnected();
   }
 
   // Joints 1 to 6 from where they are to `offset` radians further, in `seconds`.
