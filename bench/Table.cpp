@@ -1,6 +1,7 @@
 #include "Table.h"
 
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <fstream>
@@ -228,6 +229,31 @@ void Table::PrintCosts() const {
       Row(what, Fixed(seconds * 1e6, 2) + " µs per message", "", "");
     });
   }
+  WithRun("follow trajectory", 1,
+          "following a 6-joint path of 5 s through 50 points, monitor at 100 Hz (worst of ",
+          [](const std::string& what, const Run& run) {
+            const std::string repeats = Fixed(Counter(run, "runs"), 0) + " runs)";
+            const double error = Counter(run, "max_error_deg");
+            const double late = Counter(run, "late_s");
+            const double planned = Counter(run, "planned_s");
+            const double final = Counter(run, "final_error_deg");
+            Row(what + repeats + ": largest tracking error", Fixed(error, 3) + " deg", "",
+                "≤ 0.5 deg: " + Verdict(error <= 0.5));
+            Row("the same: duration against the plan",
+                Fixed(Counter(run, "duration_s"), 3) + " s for " + Fixed(planned, 1) + " s", "",
+                "within 2 % + 50 ms: " + Verdict(std::abs(late) <= 0.02 * planned + 0.05));
+            Row("the same: largest final error", Fixed(final, 4) + " deg", "",
+                "≤ 0.05 deg: " + Verdict(final <= 0.05));
+          });
+  WithRun("recording", 1, "CSV recording at 100 Hz: angles, velocities, currents of 6 motors",
+          [](const std::string& what, const Run& run) {
+            Row(what + " (" + Fixed(Counter(run, "seconds"), 0) + " s, " +
+                    Count(Counter(run, "rows")) + " rows, " + Count(Counter(run, "missed_cycles")) +
+                    " cycles missed)",
+                Fixed(Counter(run, "bytes") / Counter(run, "rows"), 0) + " B per row, " +
+                    Fixed(Counter(run, "bytes_per_hour") / 1e6, 1) + " MB per hour",
+                "", "");
+          });
   WithRun("log", 1, "log written per get_angles round trip",
           [](const std::string& what, const Run& run) {
             Row(what,

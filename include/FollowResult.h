@@ -21,20 +21,20 @@ enum class FollowOutcome {
 /// What Follow() returns.
 struct FollowResult {
   FollowOutcome outcome = FollowOutcome::Invalid;
-  int code = 0;             ///< 0, or the event code behind the outcome
-  std::string message;      ///< why, in words (the refused check, the joint, the code's text)
-  double duration = 0.0;    ///< seconds from the first set-point to the end
-  double plannedDuration = 0.0;   ///< the last point's time
-  double maxError = 0.0;          ///< degrees: the largest tracking error of any joint
+  int code = 0;                  ///< 0, or the event code behind the outcome
+  std::string message;           ///< why, in words (the refused check, the joint, the code's text)
+  double duration = 0.0;         ///< seconds from the first set-point to the end
+  double plannedDuration = 0.0;  ///< the last point's time
+  double maxError = 0.0;         ///< degrees: the largest tracking error of any joint
   std::vector<double> finalError;  ///< degrees per joint at the end (actual - last point)
 };
 
 /// One cycle of a following, for progress callbacks.
 struct FollowProgress {
-  double time = 0.0;             ///< seconds since the start
-  std::vector<double> desired;   ///< degrees per joint
-  std::vector<double> actual;    ///< degrees per joint, from the state monitor
-  std::vector<double> error;     ///< degrees per joint, actual - desired
+  double time = 0.0;            ///< seconds since the start
+  std::vector<double> desired;  ///< degrees per joint
+  std::vector<double> actual;   ///< degrees per joint, from the state monitor
+  std::vector<double> error;    ///< degrees per joint, actual - desired
 };
 
 }  // namespace tavclient

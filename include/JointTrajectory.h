@@ -7,8 +7,8 @@ namespace tavclient {
 
 /// One point of a joint trajectory.
 struct TrajectoryPoint {
-  double timeFromStart = 0.0;     ///< seconds after the trajectory's start
-  std::vector<double> positions;  ///< degrees, one per motor id
+  double timeFromStart = 0.0;      ///< seconds after the trajectory's start
+  std::vector<double> positions;   ///< degrees, one per motor id
   std::vector<double> velocities;  ///< degrees per second, one per motor id; empty: chosen
                                    ///< by the library (zero at the ends, smooth between)
 };
@@ -29,7 +29,7 @@ struct FollowLimits {
 
 /// When a following ends. Per-joint vectors hold one value per motor id or one for all.
 struct FollowTolerances {
-  std::vector<double> path;  ///< degrees from the desired position; empty: not checked
+  std::vector<double> path;        ///< degrees from the desired position; empty: not checked
   std::vector<double> goal{0.05};  ///< degrees from the last point, to have arrived
   double goalVelocity = 0.5;       ///< degrees per second below which a joint is at rest
   double goalTime = 0.5;  ///< seconds after the last point's time to arrive, else it failed

@@ -38,6 +38,15 @@ public:
     return std::forward<Call>(call)(*robot);
   }
 
+  /// Runs `call(robot)` while no other call runs, as Connect does (for a RobotLogin or a Setup
+  /// of the application's own), and returns what it returns. Calls waiting on the session hold
+  /// it up: log out first to release them.
+  template <typename Call>
+  decltype(auto) Alone(Call&& call) {
+    std::unique_lock<std::shared_mutex> lock(sessionMutex);
+    return std::forward<Call>(call)(*robot);
+  }
+
   /// The Robot itself, for its settings (SetReplyTimeout, SetHeartbeat, SetEventCallback);
   /// commands go through Use().
   Robot& Get() { return *robot; }

@@ -1,6 +1,7 @@
 #ifndef TAVCLIENT_STATEMONITOR_H
 #define TAVCLIENT_STATEMONITOR_H
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -21,11 +22,11 @@ struct MonitorOptions {
 
 /// Counters of a monitor since Start().
 struct MonitorStats {
-  std::uint64_t samples = 0;        ///< samples taken
-  std::uint64_t missedCycles = 0;   ///< cycles skipped because a cycle overran its period
-  std::uint64_t failedSamples = 0;  ///< samples with a non-zero code
+  std::uint64_t samples = 0;            ///< samples taken
+  std::uint64_t missedCycles = 0;       ///< cycles skipped because a cycle overran its period
+  std::uint64_t failedSamples = 0;      ///< samples with a non-zero code
   std::uint64_t droppedDeliveries = 0;  ///< samples a subscriber was still too busy to take
-  std::uint64_t recordedRows = 0;   ///< rows written to the recording
+  std::uint64_t recordedRows = 0;       ///< rows written to the recording
 };
 
 /// Samples one arm's state on a thread of its own at a steady rate.
@@ -59,6 +60,10 @@ public:
 
   /// The newest sample, or null before the first; cheap and safe from any thread.
   std::shared_ptr<const StateSample> Latest() const;
+
+  /// Waits up to `timeout` for the next sample (one newer than Latest() at the call) and
+  /// returns it; null when none came in time or the monitor is not running.
+  std::shared_ptr<const StateSample> WaitNext(std::chrono::milliseconds timeout) const;
 
   /// Calls `subscriber` with every sample from now on, on a thread of its own. Returns the
   /// subscription's id for Unsubscribe().

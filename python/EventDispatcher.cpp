@@ -2,51 +2,15 @@
 
 #include <utility>
 
+#include "PythonGate.h"
+
 namespace py = pybind11;
 
 namespace tavpy {
 
 namespace {
 
-// Lets dispatcher threads into Python until the interpreter begins to exit. A thread that
-// takes the GIL during finalization is ended on the spot, through frames that must not be
-// unwound, so Close waits for every thread inside and lets none in again.
-class PythonGate {
-public:
-  bool Enter() {
-    std::lock_guard<std::mutex> lock(mutex);
-    if (closed) {
-      return false;
-    }
-    ++inside;
-    return true;
-  }
-  void Leave() {
-    {
-      std::lock_guard<std::mutex> lock(mutex);
-      --inside;
-    }
-    left.notify_all();
-  }
-  // Without the GIL.
-  void Close() {
-    std::unique_lock<std::mutex> lock(mutex);
-    closed = true;
-    left.wait(lock, [this] { return inside == 0; });
-  }
-
-private:
-  std::mutex mutex;
-  std::condition_variable left;
-  int inside = 0;
-  bool closed = false;
-};
-
-// Never destroyed: dispatcher threads may outlive the static objects.
-PythonGate& Gate() {
-  static PythonGate* gate = new PythonGate;
-  return *gate;
-}
+PythonGate& Gate() { return PythonGate::Instance(); }
 
 }  // namespace
 

@@ -139,7 +139,12 @@ void BindSession(Binding& robot) {
             if (port < 0 || port > 65535) {
               throw py::value_error("port: expected 0 to 65535, got " + std::to_string(port));
             }
-            Run([&] { return s.Get().RobotLogin(ip.c_str(), static_cast<short>(port)); });
+            // Alone, as monitors may be reading: their waits on the old session end first.
+            Run([&] {
+              s.Get().RobotLogout();
+              return s.Shared()->Alone(
+                  [&](Robot& arm) { return arm.RobotLogin(ip.c_str(), static_cast<short>(port)); });
+            });
           },
           "ip"_a, "port"_a, "Connects to the controller at ip (dotted IPv4) and TCP port.")
       .def(
@@ -149,7 +154,11 @@ void BindSession(Binding& robot) {
           "Setup",
           [](RobotSession& s, const std::string& name, const py::object& param, Setup_Mode mode) {
             const SetupParamValue channel = SetupParamValue::From(param);
-            Run([&] { return s.Get().Setup(name.c_str(), channel.View(), mode); });
+            // Alone: it rewrites the motor ids that monitors read with.
+            Run([&] {
+              return s.Shared()->Alone(
+                  [&](Robot& arm) { return arm.Setup(name.c_str(), channel.View(), mode); });
+            });
           },
           "name"_a, "param"_a, "mode"_a,
           "Configures the channel towards the motors (a Setup_Param or a 5-tuple), powers and "

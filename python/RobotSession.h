@@ -3,6 +3,7 @@
 
 #include <pybind11/pybind11.h>
 #include <tavclient/Robot.h>
+#include <tavclient/SharedRobot.h>
 
 #include <memory>
 
@@ -10,28 +11,32 @@
 
 namespace tavpy {
 
-// What a tavclient.Robot holds: the Robot and the dispatcher of its events, which outlives it,
-// since the Robot's workers post to it until they are joined.
+// What a tavclient.Robot holds: the Robot, shared with the state monitors and trajectory
+// followers made for it, and the dispatcher of its events.
 class RobotSession {
 public:
-  RobotSession() : robot(std::make_unique<Robot>()) {
-    robot->SetEventCallback([this](int code) { events.Post(code); });
+  RobotSession() : shared(std::make_shared<tavclient::SharedRobot>()) {
+    shared->Get().SetEventCallback([this](int code) { events.Post(code); });
   }
-  // The Robot's destructor may wait for its workers, which never need the GIL.
+  // The Robot may outlive the session in a monitor: its events stop here. Its destructor may
+  // wait for its workers, which never need the GIL.
   ~RobotSession() {
+    shared->Get().SetEventCallback(nullptr);
     pybind11::gil_scoped_release release;
-    robot.reset();
+    shared.reset();
     events.Stop();
   }
   RobotSession(const RobotSession&) = delete;
   RobotSession& operator=(const RobotSession&) = delete;
 
-  Robot& Get() { return *robot; }
+  Robot& Get() { return shared->Get(); }
+  // RobotLogin and Setup run alone through it; monitors and followers share it.
+  const std::shared_ptr<tavclient::SharedRobot>& Shared() const { return shared; }
   EventDispatcher& Events() { return events; }
 
 private:
   EventDispatcher events;
-  std::unique_ptr<Robot> robot;
+  std::shared_ptr<tavclient::SharedRobot> shared;
 };
 
 }  // namespace tavpy

@@ -1,4 +1,5 @@
-// The Python face of the library: tavclient.Robot over the C++ Robot, and the simulator.
+// The Python face of the library: tavclient.Robot over the C++ Robot, its state monitor and
+// trajectory follower, and the simulator.
 #include <pybind11/pybind11.h>
 #include <tavclient/Robot.h>
 
@@ -6,6 +7,8 @@
 #include "RobotBinding.h"
 #include "RobotError.h"
 #include "SimulatorBinding.h"
+#include "StreamBinding.h"
+#include "TrajectoryBinding.h"
 
 PYBIND11_MODULE(tavclient, module) {
   module.doc() =
@@ -15,6 +18,8 @@ PYBIND11_MODULE(tavclient, module) {
   tavpy::BindRobotError(module);
   tavpy::BindRobot(module);
   tavpy::BindSimulator(module);
+  tavpy::BindStreams(module);
+  tavpy::BindTrajectories(module);
   tavpy::EventDispatcher::CloseAtExit();
   module.def("event_text", &Robot::EventText, pybind11::arg("code"), "What an event code means.");
 }

@@ -332,3 +332,240 @@ class Simulator:
         value: Optional[BaseException],
         traceback: Optional[TracebackType],
     ) -> None: ...
+
+class StateField(enum.Enum):
+    """A quantity a state monitor reads."""
+
+    Angles = 1
+    """joint positions, degrees"""
+    Velocities = 2
+    """joint speeds, degrees per second"""
+    Currents = 4
+    """motor currents, amperes"""
+    Inputs = 8
+    """digital inputs, 0 or 1"""
+    Pose = 16
+    """tool pose, metres and radians"""
+
+class StateSample:
+    """The arm's state at one instant. A field is fresh only when has(field); a field whose
+    query failed is empty and code says why."""
+
+    @property
+    def sequence(self) -> int:
+        """1, 2, ... in the order taken."""
+    @property
+    def time(self) -> float:
+        """The instant the values stand for, seconds on the steady clock (time.monotonic())."""
+    @property
+    def wall_time(self) -> float:
+        """The same instant, seconds since the epoch (time.time())."""
+    @property
+    def code(self) -> int:
+        """0, or the code of the first query of the cycle that failed."""
+    def has(self, field: StateField) -> bool:
+        """Whether the field was read in this sample's cycle."""
+    @property
+    def motor_ids(self) -> list[int]: ...
+    @property
+    def angles(self) -> list[float]:
+        """Degrees, one per motor id."""
+    @property
+    def velocities(self) -> list[float]:
+        """Degrees per second, one per motor id."""
+    @property
+    def currents(self) -> list[float]:
+        """Amperes, one per motor id."""
+    @property
+    def input_ids(self) -> list[int]: ...
+    @property
+    def inputs(self) -> list[int]:
+        """0 or 1, one per input id."""
+    @property
+    def pose(self) -> Pose:
+        """Metres and radians."""
+
+class MonitorStats:
+    """A monitor's counters since start()."""
+
+    @property
+    def samples(self) -> int: ...
+    @property
+    def missed_cycles(self) -> int:
+        """Cycles skipped because a cycle overran its period."""
+    @property
+    def failed_samples(self) -> int:
+        """Samples with a non-zero code."""
+    @property
+    def dropped_deliveries(self) -> int:
+        """Samples a subscriber was still too busy to take."""
+    @property
+    def recorded_rows(self) -> int: ...
+
+class StateMonitor:
+    """Samples one arm's state on a thread of its own at a steady rate: latest() returns the
+    newest sample, subscribers are called with each on threads of their own, and a recording
+    gets a CSV row per sample. It never logs in by itself: while the session is away samples
+    carry its code, and they are fresh again once the robot has logged in and set up again.
+    The with block starts and stops sampling."""
+
+    def __init__(
+        self,
+        robot: Robot,
+        rate_hz: float = 100.0,
+        fields: Sequence[StateField] = (StateField.Angles, StateField.Velocities),
+        input_ids: Sequence[int] = (),
+    ) -> None:
+        """rate_hz from 1 to 500; input_ids for StateField.Inputs (default 1 to 10). Does not
+        start sampling yet."""
+    def __enter__(self) -> "StateMonitor": ...
+    def __exit__(
+        self,
+        kind: Optional[Type[BaseException]],
+        value: Optional[BaseException],
+        traceback: Optional[TracebackType],
+    ) -> None: ...
+    def start(self) -> None:
+        """Starts sampling; RobotError 1006011 for a rate outside 1 to 500 Hz or no field."""
+    def stop(self) -> None:
+        """Stops sampling within one period; subscribers stay for the next start()."""
+    @property
+    def running(self) -> bool: ...
+    def latest(self) -> Optional[StateSample]:
+        """The newest sample, or None before the first."""
+    def wait_next(self, timeout: float = 1.0) -> Optional[StateSample]:
+        """Waits up to timeout seconds for the next sample; None when none came in time or
+        the monitor is not running."""
+    def subscribe(self, callback: Callable[[StateSample], object]) -> int:
+        """callback(sample) is called with every sample from now on, on a thread of its own;
+        one still busy misses the samples in between. Returns the id for unsubscribe()."""
+    def unsubscribe(self, id: int) -> None:
+        """Ends a subscription once its callback is no longer running (not from that
+        callback)."""
+    def start_recording(self, path: str) -> None:
+        """Writes every sample from now on as a CSV row to path (replaced): a header naming
+        each column with its unit, flushed at least once a second. RobotError 1005011 when the
+        file cannot be opened."""
+    def stop_recording(self) -> None:
+        """Closes the recording with every row written."""
+    def stats(self) -> MonitorStats: ...
+
+class TrajectoryPoint:
+    """One point of a joint trajectory."""
+
+    time_from_start: float
+    """Seconds after the trajectory's start."""
+    positions: list[float]
+    """Degrees, one per motor id."""
+    velocities: list[float]
+    """Degrees per second, one per motor id; empty: chosen by the library."""
+    def __init__(
+        self, time_from_start: float, positions: Sequence[float], velocities: Sequence[float] = ()
+    ) -> None: ...
+
+class JointTrajectory:
+    """A time-parameterised path of some of the arm's joints."""
+
+    motor_ids: list[int]
+    points: list[TrajectoryPoint]
+    """Times strictly increasing, the first >= 0."""
+    def __init__(self, motor_ids: Sequence[int], points: Sequence[TrajectoryPoint] = ()) -> None: ...
+
+class FollowTolerances:
+    """When a following ends; per-joint lists hold one value per motor id or one for all."""
+
+    path: list[float]
+    """Degrees from the desired position; empty: not checked."""
+    goal: list[float]
+    """Degrees from the last point, to have arrived."""
+    goal_velocity: float
+    """Degrees per second below which a joint is at rest."""
+    goal_time: float
+    """Seconds after the last point's time to arrive, else it failed."""
+    def __init__(
+        self,
+        path: Sequence[float] = (),
+        goal: Sequence[float] = (0.05,),
+        goal_velocity: float = 0.5,
+        goal_time: float = 0.5,
+    ) -> None: ...
+
+class FollowOutcome(enum.Enum):
+    """How a following ended."""
+
+    Succeeded = 0
+    Invalid = 1
+    PathToleranceExceeded = 2
+    GoalToleranceExceeded = 3
+    CommandRefused = 4
+    SessionFailed = 5
+    Cancelled = 6
+    Replaced = 7
+
+class FollowResult:
+    """What follow() returns."""
+
+    @property
+    def outcome(self) -> FollowOutcome: ...
+    @property
+    def code(self) -> int:
+        """0, or the event code behind the outcome."""
+    @property
+    def message(self) -> str:
+        """Why, in words."""
+    @property
+    def duration(self) -> float:
+        """Seconds from the first set-point to the end."""
+    @property
+    def planned_duration(self) -> float:
+        """The last point's time."""
+    @property
+    def max_error(self) -> float:
+        """Degrees: the largest tracking error of any joint."""
+    @property
+    def final_error(self) -> list[float]:
+        """Degrees per joint at the end (actual - last point)."""
+
+class FollowProgress:
+    """One cycle of a following."""
+
+    @property
+    def time(self) -> float:
+        """Seconds since the start."""
+    @property
+    def desired(self) -> list[float]: ...
+    @property
+    def actual(self) -> list[float]: ...
+    @property
+    def error(self) -> list[float]:
+        """actual - desired, degrees per joint."""
+
+class TrajectoryFollower:
+    """Makes the arm follow joint trajectories in time, measured by a running state monitor
+    that reads angles and velocities."""
+
+    RATE_HZ: float
+    """Set-points per second streamed while following."""
+    def __init__(
+        self,
+        robot: Robot,
+        monitor: StateMonitor,
+        max_velocity: Sequence[float] = (),
+        max_acceleration: Sequence[float] = (),
+    ) -> None:
+        """The limits a trajectory is checked against (deg/s, deg/s^2): empty for the arm's
+        ceilings, one value for all joints or one per motor id."""
+    def check(self, trajectory: JointTrajectory) -> str:
+        """Why follow() would refuse the trajectory; empty when it would not."""
+    def follow(
+        self,
+        trajectory: JointTrajectory,
+        tolerances: FollowTolerances = ...,
+        progress: Optional[Callable[[FollowProgress], object]] = None,
+    ) -> FollowResult:
+        """Follows the trajectory and returns how it ended; progress is called once a cycle.
+        A follow() from another thread replaces a running one."""
+    def cancel(self) -> None:
+        """Ends the running follow(): the arm brakes and it returns Cancelled."""
+    @property
+    def running(self) -> bool: ...

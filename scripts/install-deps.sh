@@ -21,9 +21,10 @@ ros=(pkg-config ros-base-dev ros-message-generation libactionlib-dev libactionli
 # (libFuzzer among them) build the fuzzing harnesses; valgrind checks the soak for leaks;
 # pybind11 and the Python headers build the Python module, pytest runs its tests; dpkg-dev and
 # file let CPack build the Debian packages; clang-format-14 checks the format; chromium loads
-# the live view in its browser test.
-test=("${demo[@]}" "${view[@]}" "${ros[@]}" chromium libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
-      libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest dpkg-dev file clang-format-14)
+# the live view in its browser test; python3-matplotlib draws the recording example's plot.
+test=("${demo[@]}" "${view[@]}" "${ros[@]}" chromium libgtest-dev libgmock-dev libbenchmark-dev
+      valgrind clang-14 libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest
+      python3-matplotlib dpkg-dev file clang-format-14)
 
 packages=()
 for name in "${@:-test}"; do

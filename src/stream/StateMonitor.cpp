@@ -43,6 +43,7 @@ public:
   std::atomic<bool> running{false};
 
   mutable std::mutex latestMutex;
+  mutable std::condition_variable published;
   std::shared_ptr<const StateSample> latest;
 
 private:
@@ -101,7 +102,11 @@ void StateMonitor::Impl::Stop() {
   }
   wake.notify_one();
   thread.join();
-  running = false;
+  {
+    std::lock_guard<std::mutex> lock(latestMutex);
+    running = false;
+  }
+  published.notify_all();
   std::lock_guard<std::mutex> lock(recorderMutex);
   if (recorder) {
     recorder->Flush();
@@ -130,6 +135,7 @@ void StateMonitor::Impl::_publish(const std::shared_ptr<const StateSample>& samp
     std::lock_guard<std::mutex> lock(latestMutex);
     latest = sample;
   }
+  published.notify_all();
   {
     std::lock_guard<std::mutex> lock(recorderMutex);
     if (recorder) {
@@ -211,6 +217,15 @@ bool StateMonitor::Running() const { return impl->running; }
 std::shared_ptr<const StateSample> StateMonitor::Latest() const {
   std::lock_guard<std::mutex> lock(impl->latestMutex);
   return impl->latest;
+}
+
+std::shared_ptr<const StateSample> StateMonitor::WaitNext(std::chrono::milliseconds timeout) const {
+  std::unique_lock<std::mutex> lock(impl->latestMutex);
+  const std::uint64_t seen = impl->latest ? impl->latest->sequence : 0;
+  const bool arrived = impl->published.wait_for(lock, timeout, [&] {
+    return !impl->running || (impl->latest && impl->latest->sequence > seen);
+  });
+  return arrived && impl->latest && impl->latest->sequence > seen ? impl->latest : nullptr;
 }
 
 int StateMonitor::Subscribe(Subscriber subscriber) {

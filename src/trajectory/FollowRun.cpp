@@ -18,6 +18,9 @@ namespace {
 constexpr int kRefusalFirst = 2001000;
 constexpr int kRefusalLast = 2001999;
 
+// How long a reading of the joints may be carried on at its speed, in seconds.
+constexpr double kFreshFor = 0.1;
+
 bool IsRefusal(int code) { return code >= kRefusalFirst && code <= kRefusalLast; }
 
 std::string Strayed(int id, double error, double time, double tolerance) {
@@ -178,11 +181,14 @@ int FollowRun::_send(double t) {
   path.Evaluate(t, now, unused);
   path.Evaluate(t + cycle, next, unused);
   const bool finishing = t + cycle >= path.EndTime();
+  // A reading too old to carry on (the monitor stalled or stopped) steers nothing: the joints
+  // then follow the path's own speeds.
+  const bool fresh = known && t - knownAt <= kFreshFor;
   return robot.Use([&](Robot& arm) {
     for (std::size_t j = 0; j < ids.size(); ++j) {
       // Where the joint is now: the newest reading carried on at its speed.
-      const double position = known ? actual[j] + speeds[j] * (t - knownAt) : now[j];
-      const double speed = known ? speeds[j] : 0.0;
+      const double position = fresh ? actual[j] + speeds[j] * (t - knownAt) : now[j];
+      const double speed = fresh ? speeds[j] : 0.0;
       const Setpoint setpoint =
           chooser.Choose(j, now[j], next[j], position, speed, finishing, path.EndPositions()[j]);
       // One joint per move: a move naming several joints would first brake any motion that

@@ -15,6 +15,8 @@ constexpr double kLookaheadCycles = 3.0;
 // The slowest speed asked for, in deg/s: a move needs one above zero.
 constexpr double kCrawl = 0.01;
 constexpr double kJointRange = 360.0;
+// The least speed limit of the move onto the last point, in deg/s.
+constexpr double kSettle = 5.0;
 
 // The largest float that does not exceed `limit`: a ceiling sent in single precision must not
 // round above itself.
@@ -43,7 +45,10 @@ Setpoint SetpointChooser::Choose(std::size_t joint, double desiredNow, double de
   setpoint.acceleration = FloatAtMost(acceleration);
   setpoint.velocity = std::max(FloatAtMost(std::abs(wanted)), static_cast<float>(kCrawl));
   if (finishing) {
+    // However far the joint still is, it comes to rest on the last point: the move brakes
+    // there by itself, so a brisk speed limit costs no overshoot.
     setpoint.target = last;
+    setpoint.velocity = std::max(setpoint.velocity, FloatAtMost(std::min(kSettle, limit)));
     return setpoint;
   }
   const double fastest = std::max(std::abs(wanted), std::abs(speed));

@@ -132,12 +132,16 @@ TEST_F(MonitorFixture, SamplesCarryTheFailureWhileTheSessionIsAwayAndResumeAfter
 
 TEST_F(MonitorFixture, StopsAndStartsAgainAndOutlivesTheApplicationsRobot) {
   auto monitor = Monitor(50.0, Fields(StateField::Angles));
+  EXPECT_EQ(monitor->WaitNext(10s), nullptr);  // not running: at once
   ASSERT_EQ(monitor->Start(), 0);
-  {
-    SampleWaiter waiter(*monitor);
-    ASSERT_TRUE(waiter.WaitFor(Fresh));
-  }
+  const auto first = monitor->WaitNext(5s);
+  ASSERT_NE(first, nullptr);
+  const auto second = monitor->WaitNext(5s);
+  ASSERT_NE(second, nullptr);
+  EXPECT_EQ(second->sequence, first->sequence + 1);
+  auto stopped = std::async(std::launch::async, [&] { return monitor->WaitNext(10min); });
   monitor->Stop();
+  EXPECT_EQ(stopped.get(), nullptr);
   EXPECT_FALSE(monitor->Running());
   const std::uint64_t last = monitor->Latest()->sequence;
   ASSERT_EQ(monitor->Start(), 0);

@@ -201,6 +201,32 @@ TEST_F(FollowerFixture, NotArrivingWithinTheGoalTimeBrakes) {
   EXPECT_EQ(CommandsSent("hold"), 1);
 }
 
+TEST_F(FollowerFixture, WithoutFreshStateTheArmStillKeepsToThePath) {
+  ProgressGate gate(0.5);
+  auto running = std::async(
+      std::launch::async, [&] { return follower.Follow(SmoothPath(1.5, 15), {}, std::ref(gate)); });
+  // A monitor of the test's own watches the arm throughout.
+  auto watch = std::make_shared<tavclient::StateMonitor>(robot, MonitorOptions());
+  tavtest::SampleWaiter watcher(*watch);
+  ASSERT_EQ(watch->Start(), 0);
+  ASSERT_TRUE(gate.Wait());
+  // The follower's last reading goes stale: it cannot see the arm arrive, but must not steer
+  // by a reading carried on for ever.
+  monitor->Stop();
+  const FollowResult result = running.get();
+  EXPECT_EQ(result.outcome, FollowOutcome::GoalToleranceExceeded);
+  // Every joint's path runs one way only: the arm never turned back.
+  for (const auto& sample : watcher.Samples()) {
+    for (std::size_t j = 0; j < sample.velocities.size(); ++j) {
+      EXPECT_GT(sample.velocities[j] * (tavtest::kReach[j] > 0 ? 1.0 : -1.0), -5.0) << j + 1;
+    }
+  }
+  const auto angles = Angles();
+  for (std::size_t j = 0; j < 6; ++j) {
+    EXPECT_NEAR(angles[j], SmoothPath(1.5, 15).points.back().positions[j], 0.5) << j + 1;
+  }
+}
+
 TEST_F(FollowerFixture, ARefusedSetPointEndsTheRunWithItsCode) {
   ProgressGate gate(0.3);
   auto running = std::async(
