@@ -33,6 +33,12 @@ TEST_F(DriverTest, WaitsForAControllerThatStartsLater) {
   RecordProperty("first_joint_state_s", std::to_string(SecondsSince(started)));
 }
 
+TEST_F(DriverTest, EndsAtOnceOnAParameterThatCannotWork) {
+  StartDriver(FreePort(), {"_publish_rate:=1000"});
+  ASSERT_TRUE(driver->WaitExit(seconds(10)));
+  EXPECT_TRUE(WIFEXITED(driver->Status()) && WEXITSTATUS(driver->Status()) == 2);
+}
+
 TEST_F(DriverTest, RidesOutAControllerRestart) {
   const int port = FreePort();
   StartSimulator(port);
