@@ -31,28 +31,28 @@ bool SessionKeeper::EndsSession(int code) {
 }
 
 void SessionKeeper::Start() {
-  std::lock_guard<std::mutex> lock(mutex);
+  std::lock_guard<std::mutex> lock(state->mutex);
   if (thread.joinable()) {
     return;
   }
-  stopping = false;
-  failed = true;
+  state->stopping = false;
+  state->failed = true;
   Robot& arm = robot->Get();
   arm.SetReplyTimeout(settings.replyTimeout);
   arm.SetHeartbeat(settings.heartbeatPeriod, settings.silenceLimit);
-  arm.SetEventCallback([this](int code) { Report(code); });
+  arm.SetEventCallback([shared = state](int code) { shared->Report(code); });
   thread = std::thread([this] { _run(); });
 }
 
 void SessionKeeper::Stop() {
   {
-    std::lock_guard<std::mutex> lock(mutex);
+    std::lock_guard<std::mutex> lock(state->mutex);
     if (!thread.joinable()) {
       return;
     }
-    stopping = true;
+    state->stopping = true;
   }
-  wake.notify_all();
+  state->wake.notify_all();
   // A login under way ends when the controller answers or refuses; logging out releases it.
   robot->Disconnect();
   thread.join();
@@ -61,7 +61,9 @@ void SessionKeeper::Stop() {
   _setConnected(false);
 }
 
-void SessionKeeper::Report(int code) {
+void SessionKeeper::Report(int code) { state->Report(code); }
+
+void SessionKeeper::State::Report(int code) {
   if (code == 0) {
     return;
   }
@@ -78,14 +80,15 @@ void SessionKeeper::Report(int code) {
 
 void SessionKeeper::_run() {
   const auto retry = std::chrono::duration<double>(settings.retryPeriod);
-  std::unique_lock<std::mutex> lock(mutex);
-  while (!stopping) {
-    if (!failed) {
-      wake.wait(lock, [this] { return stopping || failed; });
+  State& shared = *state;
+  std::unique_lock<std::mutex> lock(shared.mutex);
+  while (!shared.stopping) {
+    if (!shared.failed) {
+      shared.wake.wait(lock, [&] { return shared.stopping || shared.failed; });
       continue;
     }
     _setConnected(false);
-    failed = false;
+    shared.failed = false;
     lock.unlock();
     const int code =
         robot->Connect(settings.ip, settings.port, settings.name, settings.Record(), settings.mode);
@@ -93,14 +96,14 @@ void SessionKeeper::_run() {
     if (code == 0) {
       // A failure of the old session may still have been reported meanwhile; a failure of
       // the new one is reported again by the next call, as it is sticky.
-      failed = false;
+      shared.failed = false;
       ++sessions;
       _setConnected(true);
       continue;
     }
-    lastCode = code;
-    failed = true;
-    wake.wait_for(lock, retry, [this] { return stopping; });
+    shared.lastCode = code;
+    shared.failed = true;
+    shared.wake.wait_for(lock, retry, [&] { return shared.stopping; });
   }
 }
 

@@ -40,7 +40,7 @@ public:
 
   bool Connected() const { return connected.load(); }
   // The code of the last failure: a login refused, a session lost or a call refused.
-  int LastCode() const { return lastCode.load(); }
+  int LastCode() const { return state->lastCode.load(); }
   // Sessions set up since Start().
   std::uint64_t Sessions() const { return sessions.load(); }
   const SessionSettings& Settings() const { return settings; }
@@ -49,20 +49,27 @@ public:
   static bool EndsSession(int code);
 
 private:
+  // What reports reach. Shared with the library's failure callback, which may still run for a
+  // moment after it has been removed, so the state outlives the keeper as long as it needs.
+  struct State {
+    void Report(int code);
+
+    std::atomic<int> lastCode{0};
+    std::mutex mutex;
+    std::condition_variable wake;
+    bool stopping = false;  // under mutex
+    bool failed = false;    // under mutex: the current session ended
+  };
+
   void _run();
   void _setConnected(bool value);
 
   std::shared_ptr<tavclient::SharedRobot> robot;
   const SessionSettings settings;
   const Listener listener;
+  const std::shared_ptr<State> state = std::make_shared<State>();
   std::atomic<bool> connected{false};
-  std::atomic<int> lastCode{0};
   std::atomic<std::uint64_t> sessions{0};
-
-  std::mutex mutex;
-  std::condition_variable wake;
-  bool stopping = false;  // under mutex
-  bool failed = false;    // under mutex: the current session ended
   std::thread thread;
 };
 
