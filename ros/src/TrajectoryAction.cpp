@@ -77,6 +77,7 @@ void TrajectoryAction::Brake() {
     std::lock_guard<std::mutex> lock(mutex);
     cancelCurrent = true;
   }
+  changed.notify_all();
   follower.Cancel();
 }
 
@@ -122,6 +123,7 @@ void TrajectoryAction::_onGoal(GoalHandle goal) {
                        done->store(true);
                      }),
                      done});
+  changed.notify_all();
 }
 
 void TrajectoryAction::_onCancel(GoalHandle goal) {
@@ -132,6 +134,7 @@ void TrajectoryAction::_onCancel(GoalHandle goal) {
     }
     cancelCurrent = true;
   }
+  changed.notify_all();
   follower.Cancel();
 }
 
@@ -210,7 +213,15 @@ void TrajectoryAction::_follow(GoalHandle goal, tavclient::JointTrajectory traje
   };
   tavclient::FollowResult outcome;
   {
+    // A trajectory stamped in the future starts then, unless a cancel or a newer goal comes
+    // first; a stamp of 0 or in the past starts it at once.
+    const ros::Time start = goal.getGoal()->trajectory.header.stamp;
+    const double delay = start.isZero() ? 0.0 : (start - ros::Time::now()).toSec();
     std::unique_lock<std::mutex> lock(mutex);
+    if (delay > 0) {
+      changed.wait_for(lock, std::chrono::duration<double>(delay),
+                       [&] { return cancelCurrent || goal.getGoalID().id != current; });
+    }
     const bool replaced = goal.getGoalID().id != current;
     const bool cancelled = cancelCurrent && !replaced;
     lock.unlock();

@@ -5,6 +5,7 @@
 #include <tavclient_ros/FollowJointTrajectoryAction.h>
 
 #include <atomic>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -67,9 +68,10 @@ private:
   tavclient::TrajectoryFollower follower;
 
   mutable std::mutex mutex;
-  std::string current;          // the newest accepted goal's id, under mutex
-  bool cancelCurrent = false;   // under mutex: the newest goal is to end
-  std::vector<Runner> runners;  // under mutex
+  std::string current;              // the newest accepted goal's id, under mutex
+  bool cancelCurrent = false;       // under mutex: the newest goal is to end
+  std::condition_variable changed;  // `current` or `cancelCurrent` changed
+  std::vector<Runner> runners;      // under mutex
   std::atomic<std::uint64_t> finished{0};
 
   Server server;  // last: its callbacks use everything above

@@ -54,6 +54,17 @@ TEST_F(TrajectoryActionTest, FollowsATrajectoryWithFeedbackEveryCycle) {
   EXPECT_LT(tracker.MaxFeedbackError(), Radians(5.0));
 }
 
+TEST_F(TrajectoryActionTest, StartsAtTheTrajectorysStamp) {
+  Goal goal = Sweep(Radians(10), 1.0);
+  const auto sent = std::chrono::steady_clock::now();
+  goal.trajectory.header.stamp = ros::Time::now() + ros::Duration(1.5);
+  GoalTracker tracker(*action, goal);
+  ASSERT_TRUE(tracker.WaitFeedback(1, seconds(10)));
+  EXPECT_GE(std::chrono::steady_clock::now() - sent, std::chrono::milliseconds(1450));
+  ASSERT_TRUE(tracker.WaitDone(seconds(10)));
+  EXPECT_EQ(tracker.State(), TerminalState::SUCCEEDED) << tracker.Outcome().error_string;
+}
+
 TEST_F(TrajectoryActionTest, CancelBrakesTheArmShortOfTheGoal) {
   const Goal goal = Sweep(Radians(40), 4.0);
   GoalTracker tracker(*action, goal);
