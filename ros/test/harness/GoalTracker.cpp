@@ -23,6 +23,7 @@ GoalTracker::GoalTracker(ActionClient& client, const Goal& goal) {
         {
           std::lock_guard<std::mutex> feedbackLock(mutex);
           ++feedbacks;
+          lastFeedback = *feedback;
           for (double error : feedback->error.positions) {
             maxError = std::max(maxError, std::fabs(error));
           }
@@ -58,6 +59,11 @@ Result GoalTracker::Outcome() {
 std::size_t GoalTracker::Feedbacks() {
   std::lock_guard<std::mutex> lock(mutex);
   return feedbacks;
+}
+
+tavclient_ros::FollowJointTrajectoryFeedback GoalTracker::LastFeedback() {
+  std::lock_guard<std::mutex> lock(mutex);
+  return lastFeedback;
 }
 
 double GoalTracker::MaxFeedbackError() {

@@ -34,6 +34,7 @@ public:
   std::size_t Feedbacks();
   // The largest |error| of any joint in any feedback, radians.
   double MaxFeedbackError();
+  tavclient_ros::FollowJointTrajectoryFeedback LastFeedback();
 
 private:
   std::mutex mutex;
@@ -42,6 +43,7 @@ private:
   bool done = false;
   std::size_t feedbacks = 0;
   double maxError = 0.0;
+  tavclient_ros::FollowJointTrajectoryFeedback lastFeedback;
 };
 
 }  // namespace tavrostest
