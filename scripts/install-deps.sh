@@ -3,27 +3,36 @@
 # or given package names, whatever of those is missing. Usage: install-deps.sh [SET|PACKAGE...]
 #   demo  what the demo needs: a compiler, CMake and make
 #   view  what the simulator's live view needs: cpp-httplib (found through pkg-config), three.js
-#   test  the demo and view sets and everything the tests, fuzzers and benchmarks use (the default)
+#   ros   what the ROS 1 driver (ros/) needs to build, run and be tested: Debian's ROS
+#   test  the demo, view and ros sets and everything the tests, fuzzers and benchmarks use (the
+#         default)
 set -euo pipefail
 
 demo=(cmake g++ make)
 view=(pkg-config libcpp-httplib-dev libjs-three)
+# The driver's build: roscpp, actionlib, the message packages it uses and tf2 (found through
+# pkg-config), genmsg and gencpp for its own messages; at run time rosmaster, the robot state
+# publisher and rviz; rostest and Xvfb for the description's tests and the rviz screenshot.
+ros=(pkg-config ros-base-dev ros-message-generation libactionlib-dev libactionlib-msgs-dev
+     python3-actionlib libstd-msgs-dev libstd-srvs-dev libsensor-msgs-dev libgeometry-msgs-dev
+     libdiagnostic-msgs-dev libtrajectory-msgs-dev libtf2-dev libtf2-ros-dev
+     ros-robot-state-publisher rviz python3-rostest librostest-dev xvfb)
 # pkg-config builds the README's program against an install; clang-14 and its runtimes
 # (libFuzzer among them) build the fuzzing harnesses; valgrind checks the soak for leaks;
 # pybind11 and the Python headers build the Python module, pytest runs its tests and
 # pytest-timeout names one that hangs; dpkg-dev and file let CPack build the Debian packages;
 # clang-format-14 checks the format; chromium loads the live view in its browser test;
 # python3-matplotlib draws the recording example's plot.
-test=("${demo[@]}" "${view[@]}" chromium libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
-      libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest python3-pytest-timeout
-      python3-matplotlib dpkg-dev file
-      clang-format-14)
+test=("${demo[@]}" "${view[@]}" "${ros[@]}" chromium libgtest-dev libgmock-dev libbenchmark-dev
+      valgrind clang-14 libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest
+      python3-pytest-timeout python3-matplotlib dpkg-dev file clang-format-14)
 
 packages=()
 for name in "${@:-test}"; do
   case "$name" in
     demo) packages+=("${demo[@]}") ;;
     view) packages+=("${view[@]}") ;;
+    ros) packages+=("${ros[@]}") ;;
     test) packages+=("${test[@]}") ;;
     *) packages+=("$name") ;;
   esac
