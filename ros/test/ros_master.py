@@ -1,0 +1,51 @@
+"""A private ROS master for a test: a free loopback port, ROS_IP=127.0.0.1 and ROS_HOME in a
+temporary folder, set in this process's environment so that rospy and the programs the test
+starts use it."""
+
+import os
+import socket
+import subprocess
+import tempfile
+import time
+
+import rosgraph
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+def wait_for(condition, timeout, what):
+    """Polls `condition` until it holds; AssertionError naming `what` after `timeout` s."""
+    deadline = time.monotonic() + timeout
+    while not condition():
+        if time.monotonic() > deadline:
+            raise AssertionError(f"timed out waiting for {what}")
+        time.sleep(0.02)
+
+
+class RosMaster:
+    def __enter__(self):
+        self.home = tempfile.TemporaryDirectory(prefix="ros-home-")
+        self.uri = f"http://127.0.0.1:{free_port()}/"
+        os.environ.update(ROS_MASTER_URI=self.uri, ROS_IP="127.0.0.1", ROS_HOME=self.home.name)
+        os.environ.pop("ROS_HOSTNAME", None)
+        self.process = subprocess.Popen(
+            ["rosmaster", "--core", "-p", self.uri.rsplit(":", 1)[1].strip("/")],
+            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        master = rosgraph.Master("/test", master_uri=self.uri)
+
+        def online():
+            if self.process.poll() is not None:
+                raise AssertionError(f"rosmaster exited with {self.process.returncode}")
+            return master.is_online()
+
+        wait_for(online, 20.0, "the ROS master")
+        return self
+
+    def __exit__(self, *exc):
+        self.process.terminate()
+        self.process.wait(10)
+        self.home.cleanup()
