@@ -95,7 +95,8 @@ class DescriptionMatchesForward(unittest.TestCase):
             self.__class__.stamp += STAMP_STEP
             message.header.stamp = self.stamp
             publisher.publish(message)
-            found = self.tf.lookup_transform(base, tool, self.stamp, rospy.Duration(10)).transform
+            wait_for(lambda: self.tf.can_transform(base, tool, self.stamp), 10.0, "the transform")
+            found = self.tf.lookup_transform(base, tool, self.stamp).transform
             expected = self.robot.forward(degrees)
             worst_position = max(worst_position, math.dist(
                 (found.translation.x, found.translation.y, found.translation.z),
@@ -122,8 +123,7 @@ class DescriptionMatchesForward(unittest.TestCase):
                                           [random_degrees(rng) for _ in range(30)])
         self.assertLess(position, TOLERANCE)
         self.assertLess(rotation, TOLERANCE)
-        mount = self.tf.lookup_transform("world", "arm1_base_link", rospy.Time(0),
-                                         rospy.Duration(10)).transform
+        mount = self.tf.lookup_transform("world", "arm1_base_link", rospy.Time(0)).transform
         self.assertEqual((mount.translation.x, mount.translation.y, mount.translation.z),
                          (0.25, -0.5, 0.125))
         self.assertEqual(mount.rotation.w, 1.0)

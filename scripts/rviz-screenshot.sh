@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+# Takes the README's rviz picture: the simulated arm in rviz (ros/rviz/sim.rviz), under Xvfb,
+# after following a joint trajectory, with its tool's path traced.
+# Usage: scripts/rviz-screenshot.sh [BUILD_DIR] [OUTPUT_PNG]
+# Needs the build's tavsim and Python module; uses the build's tavclient_node when there is one,
+# else publishes the simulator's joint angles itself. Xvfb, rviz and ImageMagick's import come
+# from scripts/install-deps.sh ros.
+set -euo pipefail
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=$(cd "${1:-$root/build}" && pwd)
+output=$(realpath -m "${2:-$root/docs/images/rviz.png}")
+node=$build/ros/tavclient_node
+
+work=$(mktemp -d)
+pids=()
+cleanup() {
+  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
+    kill "${pids[i]}" 2>/dev/null || true
+    wait "${pids[i]}" 2>/dev/null || true
+  done
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+free_port() {
+  /usr/bin/python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])'
+}
+# Polls a command until it succeeds, for up to 30 s.
+await() {
+  for _ in $(seq 300); do
+    "$@" >/dev/null 2>&1 && return 0
+    sleep 0.1
+  done
+  echo "rviz-screenshot: timed out waiting for: $*" >&2
+  return 1
+}
+
+Xvfb -displayfd 3 -screen 0 1000x700x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
+pids+=($!)
+await test -s "$work/display"
+export DISPLAY=:$(cat "$work/display")
+
+export ROS_IP=127.0.0.1 ROS_HOME=$work/ros PYTHONPATH=$build/python-module
+master_port=$(free_port)
+export ROS_MASTER_URI=http://127.0.0.1:$master_port/
+rosmaster --core -p "$master_port" >"$work/master.log" 2>&1 &
+pids+=($!)
+await rosparam list
+
+robot_port=$(free_port)
+"$build/simulator/tavsim" --port "$robot_port" --quiet &
+pids+=($!)
+motion=(--publish-joint-states)
+if [ -x "$node" ]; then
+  "$node" _robot_port:="$robot_port" >"$work/node.log" 2>&1 &
+  pids+=($!)
+  motion=()
+fi
+
+/usr/bin/python3 "$root/ros/scripts/urdf_with_prefix.py" --parent=world -o "$work/arm.urdf" \
+  "$root/ros/urdf/tavsim_arm.urdf"
+rosparam set -t "$work/arm.urdf" robot_description
+/usr/lib/robot_state_publisher/robot_state_publisher >"$work/rsp.log" 2>&1 &
+pids+=($!)
+
+# sim.rviz with the trail added.
+/usr/bin/python3 - "$root/ros/rviz/sim.rviz" "$work/shot.rviz" <<'PY'
+import sys, yaml
+config = yaml.safe_load(open(sys.argv[1]))
+config["Visualization Manager"]["Displays"].append(
+    {"Class": "rviz/Marker", "Name": "Tool trail", "Enabled": True, "Value": True,
+     "Marker Topic": "tool_trail", "Queue Size": 10, "Namespaces": {}})
+yaml.safe_dump(config, open(sys.argv[2], "w"))
+PY
+rviz -d "$work/shot.rviz" >"$work/rviz.log" 2>&1 &
+pids+=($!)
+await bash -c 'rostopic info /tool_trail 2>/dev/null | grep -q rviz'
+
+/usr/bin/python3 "$root/scripts/rviz_screenshot_motion.py" "$robot_port" "${motion[@]}"
+# rviz redraws at 30 Hz; give it a few frames for the last joint state and trail.
+sleep 1
+mkdir -p "$(dirname "$output")"
+import -window root "$output"
+echo "wrote $output"
