@@ -3,17 +3,23 @@
 # or given package names, whatever of those is missing. Usage: install-deps.sh [SET|PACKAGE...]
 #   demo  what the demo needs: a compiler, CMake and make
 #   view  what the simulator's live view needs: cpp-httplib (found through pkg-config), three.js
-#   test  the demo and view sets and everything the tests, fuzzers and benchmarks use (the default)
+#   ros   what the ROS description's tests and the rviz picture need
+#   test  the demo, view and ros sets and everything the tests, fuzzers and benchmarks use (the default)
 set -euo pipefail
 
 demo=(cmake g++ make)
 view=(pkg-config libcpp-httplib-dev libjs-three)
+# ROS's master, launcher and Python clients, robot_state_publisher and rviz; check_urdf checks the
+# description; Xvfb and ImageMagick's import take the rviz picture.
+ros=(python3-rosmaster python3-roslaunch python3-rospy python3-tf2-ros python3-sensor-msgs
+     python3-visualization-msgs python3-yaml ros-robot-state-publisher rviz liburdfdom-tools xvfb
+     imagemagick)
 # pkg-config builds the README's program against an install; clang-14 and its runtimes
 # (libFuzzer among them) build the fuzzing harnesses; valgrind checks the soak for leaks;
 # pybind11 and the Python headers build the Python module, pytest runs its tests; dpkg-dev and
 # file let CPack build the Debian packages; clang-format-14 checks the format; chromium loads
 # the live view in its browser test.
-test=("${demo[@]}" "${view[@]}" chromium libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
+test=("${demo[@]}" "${view[@]}" "${ros[@]}" chromium libgtest-dev libgmock-dev libbenchmark-dev valgrind clang-14
       libclang-rt-14-dev python3-dev python3-pybind11 python3-pytest dpkg-dev file clang-format-14)
 
 packages=()
@@ -21,6 +27,7 @@ for name in "${@:-test}"; do
   case "$name" in
     demo) packages+=("${demo[@]}") ;;
     view) packages+=("${view[@]}") ;;
+    ros) packages+=("${ros[@]}") ;;
     test) packages+=("${test[@]}") ;;
     *) packages+=("$name") ;;
   esac

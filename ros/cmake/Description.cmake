@@ -1,17 +1,12 @@
-# The arm's description and views: install rules and tests. Included from ros/CMakeLists.txt.
-include(GNUInstallDirs)
-
+# The arm's description and views: the scripts' install rule and the tests. Included from
+# ros/CMakeLists.txt (which names the package `ros_package`); cmake/Install.cmake installs
+# urdf/, launch/ and rviz/.
 set(_description_dir ${CMAKE_CURRENT_LIST_DIR}/..)
-file(READ ${_description_dir}/package.xml _package_xml)
-string(REGEX MATCH "<name>([^<]+)</name>" _ ${_package_xml})
-set(_package_share ${CMAKE_INSTALL_DATADIR}/${CMAKE_MATCH_1})
 
 if(TAVCLIENT_INSTALL)
-  install(DIRECTORY ${_description_dir}/urdf ${_description_dir}/launch ${_description_dir}/rviz
-    DESTINATION ${_package_share})
-  # Found by roslaunch as the package's node types (run_tavsim) and run by launch files.
+  # Beside the launch files that run them; roslaunch finds run_tavsim as a node type there.
   install(PROGRAMS ${_description_dir}/scripts/run_tavsim ${_description_dir}/scripts/urdf_with_prefix.py
-    DESTINATION ${_package_share}/scripts)
+    DESTINATION share/${ros_package}/scripts COMPONENT ros)
 endif()
 
 if(TAVCLIENT_BUILD_TESTS)
