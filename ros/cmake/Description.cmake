@@ -21,4 +21,10 @@ if(TAVCLIENT_BUILD_TESTS)
     set_tests_properties(ros_description_tf PROPERTIES TIMEOUT 120
       ENVIRONMENT "PYTHONPATH=${TAVCLIENT_PYTHON_DIR}")
   endif()
+  # two_arms.launch as a user starts it, with the package and node of this build tree.
+  if(TARGET tavclient_python AND TARGET tavclient_node)
+    add_test(NAME ros_two_arms COMMAND ${TAVCLIENT_PYTHON_EXECUTABLE} ${_tests}/test_two_arms.py)
+    set_tests_properties(ros_two_arms PROPERTIES TIMEOUT 120 ENVIRONMENT
+      "PYTHONPATH=${TAVCLIENT_PYTHON_DIR};TAVSIM=${TAVCLIENT_ROS_TAVSIM};ROS_PACKAGE_PATH=${TAVCLIENT_ROS_PACKAGE_PATH};CMAKE_PREFIX_PATH=${TAVCLIENT_ROS_DEVEL}")
+  endif()
 endif()
