@@ -10,7 +10,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=$(cd "${1:-$root/build}" && pwd)
 output=$(realpath -m "${2:-$root/docs/images/rviz.png}")
-node=$build/ros/tavclient_node
+node=$build/ros/devel/lib/tavclient_ros/tavclient_node
 
 work=$(mktemp -d)
 pids=()
