@@ -1,5 +1,5 @@
 # What `cmake --install` puts under the prefix: the shared library with its version links, the
-# public header and the layer headers it reaches (keeping their folders, so one include path
+# public headers and the layer headers they reach (keeping their folders, so one include path
 # serves), the simulator program, a CMake package and a pkg-config file. Each rule names the
 # Debian package it belongs to (cmake/Packaging.cmake); the Python module has its own rules.
 include(CMakePackageConfigHelpers)
@@ -8,8 +8,8 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TavClient)
 
 install(TARGETS tavclient EXPORT TavClientTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   COMPONENT runtime NAMELINK_COMPONENT dev)
-install(FILES ${PROJECT_SOURCE_DIR}/include/Robot.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tavclient
-  COMPONENT dev)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tavclient
+  COMPONENT dev FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tavclient
   COMPONENT dev FILES_MATCHING PATTERN "*.h")
 if(TARGET tavsim)

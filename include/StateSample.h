@@ -18,10 +18,14 @@ enum class StateField : unsigned {
   Pose = 1U << 4,        ///< tool pose, metres and radians
 };
 using StateFields = unsigned;
+/// One field alone as a mask: `options.fields = Fields(StateField::Angles)`.
+constexpr StateFields Fields(StateField field) { return static_cast<StateFields>(field); }
 constexpr StateFields operator|(StateField a, StateField b) {
   return static_cast<unsigned>(a) | static_cast<unsigned>(b);
 }
-constexpr StateFields operator|(StateFields a, StateField b) { return a | static_cast<unsigned>(b); }
+constexpr StateFields operator|(StateFields a, StateField b) {
+  return a | static_cast<unsigned>(b);
+}
 constexpr bool Has(StateFields fields, StateField field) {
   return (fields & static_cast<unsigned>(field)) != 0;
 }
@@ -35,14 +39,14 @@ struct StateSample {
   std::chrono::steady_clock::time_point time;      ///< the instant the values stand for
   std::chrono::system_clock::time_point wallTime;  ///< the same instant on the wall clock
   StateFields fresh = 0;                           ///< the fields read in this cycle
-  int code = 0;  ///< 0, or the code of the first query of this cycle that failed
-  std::vector<int> motorIds;        ///< the ids the per-motor values belong to, in order
-  std::vector<double> angles;       ///< degrees, one per motor id
-  std::vector<double> velocities;   ///< degrees per second, one per motor id
-  std::vector<double> currents;     ///< amperes, one per motor id
-  std::vector<int> inputIds;        ///< the inputs read
-  std::vector<int> inputs;          ///< 0 or 1, one per input id
-  _Pose pose;                       ///< metres and radians
+  int code = 0;                    ///< 0, or the code of the first query of this cycle that failed
+  std::vector<int> motorIds;       ///< the ids the per-motor values belong to, in order
+  std::vector<double> angles;      ///< degrees, one per motor id
+  std::vector<double> velocities;  ///< degrees per second, one per motor id
+  std::vector<double> currents;    ///< amperes, one per motor id
+  std::vector<int> inputIds;       ///< the inputs read
+  std::vector<int> inputs;         ///< 0 or 1, one per input id
+  _Pose pose;                      ///< metres and radians
 };
 
 }  // namespace tavclient

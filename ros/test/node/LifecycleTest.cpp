@@ -1,0 +1,87 @@
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <cmath>
+
+#include "DriverFixture.h"
+
+namespace tavrostest {
+namespace {
+
+using actionlib::TerminalState;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using Clock = std::chrono::steady_clock;
+
+double SecondsSince(Clock::time_point start) {
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+TEST_F(DriverTest, WaitsForAControllerThatStartsLater) {
+  const int port = FreePort();
+  StartDriver(port);
+  ASSERT_TRUE(WaitConnected(false, seconds(10)));
+  const auto last = diagnostics->Last();
+  ASSERT_TRUE(last && !last->status.empty());
+  const auto& status = last->status[0];
+  EXPECT_NE(status.message.find("joint states paused"), std::string::npos) << status.message;
+  EXPECT_EQ(jointStates->Count(), 0U);
+
+  StartSimulator(port);
+  const auto started = Clock::now();
+  ASSERT_TRUE(jointStates->WaitFor(1, seconds(10)));
+  RecordProperty("first_joint_state_s", std::to_string(SecondsSince(started)));
+}
+
+TEST_F(DriverTest, RidesOutAControllerRestart) {
+  StartSimulator();
+  const int port = simulator->Port();
+  StartDriver(port);
+  ASSERT_TRUE(jointStates->WaitFor(10, seconds(10)));
+  ASSERT_TRUE(action->waitForActionServerToStart(ros::Duration(10)));
+
+  simulator->Kill();
+  ASSERT_TRUE(WaitConnected(false, seconds(10)));
+  // Nothing stale: from the moment the loss is known no joint state goes out.
+  jointStates->Clear();
+  GoalTracker refused(*action, MakeGoal({{1.0, std::vector<double>(6, 0.0)}}));
+  ASSERT_TRUE(refused.WaitDone(seconds(10)));
+  EXPECT_EQ(refused.State(), TerminalState::REJECTED);
+  EXPECT_NE(refused.Outcome().error_string.find("not connected"), std::string::npos)
+      << refused.Outcome().error_string;
+  EXPECT_EQ(jointStates->Count(), 0U);
+
+  StartSimulator(port);
+  const auto restarted = Clock::now();
+  ASSERT_TRUE(jointStates->WaitFor(1, seconds(10)));
+  RecordProperty("republished_after_s", std::to_string(SecondsSince(restarted)));
+  // A fresh controller starts with its arm at zero: the state is the new one.
+  ConnectRobot();
+  const auto fresh = jointStates->Last();
+  ASSERT_TRUE(fresh);
+  EXPECT_NEAR(fresh->position.at(0), Angles()[0], 1e-6);
+  EXPECT_TRUE(WaitConnected(true, seconds(10)));
+}
+
+TEST_F(DriverTest, SigintBrakesTheTrajectoryAndEndsTheNode) {
+  StartSimulator();
+  StartDriver(simulator->Port());
+  ConnectRobot();
+  ASSERT_TRUE(action->waitForActionServerToStart(ros::Duration(10)));
+  ASSERT_TRUE(WaitConnected(true, seconds(10)));
+  std::vector<double> far = Angles();
+  far[0] += Radians(60);
+  GoalTracker tracker(*action, MakeGoal({{4.0, far}}));
+  ASSERT_TRUE(tracker.WaitFeedback(40, seconds(10)));
+
+  const auto interrupted = Clock::now();
+  driver->Signal(SIGINT);
+  ASSERT_TRUE(driver->WaitExit(seconds(5)));
+  RecordProperty("exit_after_sigint_s", std::to_string(SecondsSince(interrupted)));
+  EXPECT_TRUE(WIFEXITED(driver->Status()) && WEXITSTATUS(driver->Status()) == 0);
+  ASSERT_EQ(robot.wait_for_motors(), 0);
+  EXPECT_LT(Angles()[0], far[0] - Radians(20)) << "braked, not carried on to the goal";
+}
+
+}  // namespace
+}  // namespace tavrostest

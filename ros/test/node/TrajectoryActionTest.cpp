@@ -1,0 +1,144 @@
+#include <std_srvs/Trigger.h>
+
+#include <cmath>
+
+#include "DriverFixture.h"
+
+namespace tavrostest {
+namespace {
+
+using actionlib::TerminalState;
+using std::chrono::seconds;
+
+class TrajectoryActionTest : public DriverTest {
+protected:
+  void SetUp() override {
+    DriverTest::SetUp();
+    StartSimulator();
+    StartDriver(simulator->Port());
+    ConnectRobot();
+    ASSERT_TRUE(action->waitForActionServerToStart(ros::Duration(10)));
+    ASSERT_TRUE(WaitConnected(true, seconds(10)));
+  }
+
+  // Joints 1 to 6 from where they are to `offset` radians further, in `seconds`.
+  Goal Sweep(double offset, double duration) {
+    const std::vector<double> start = Angles();
+    std::vector<double> middle = start;
+    std::vector<double> end = start;
+    for (std::size_t i = 0; i < end.size(); ++i) {
+      middle[i] += offset / 2;
+      end[i] += offset;
+    }
+    return MakeGoal({{duration / 2, middle}, {duration, end}});
+  }
+
+  static void ExpectRefused(GoalTracker& tracker, int code) {
+    ASSERT_TRUE(tracker.WaitDone(seconds(10)));
+    EXPECT_EQ(tracker.State(), TerminalState::REJECTED);
+    EXPECT_EQ(tracker.Outcome().error_code, code);
+    EXPECT_FALSE(tracker.Outcome().error_string.empty());
+  }
+};
+
+TEST_F(TrajectoryActionTest, FollowsATrajectoryWithFeedbackEveryCycle) {
+  const Goal goal = Sweep(Radians(20), 2.0);
+  GoalTracker tracker(*action, goal);
+  ASSERT_TRUE(tracker.WaitDone(seconds(20)));
+  EXPECT_EQ(tracker.State(), TerminalState::SUCCEEDED) << tracker.Outcome().error_string;
+  EXPECT_EQ(tracker.Outcome().error_code, Result::SUCCESSFUL);
+  const std::vector<double> reached = Angles();
+  for (std::size_t i = 0; i < reached.size(); ++i) {
+    EXPECT_NEAR(reached[i], goal.trajectory.points.back().positions[i], Radians(0.05));
+  }
+  // One feedback per set-point at 125 Hz over the 2 s, give or take the ends.
+  EXPECT_GT(tracker.Feedbacks(), 200U);
+  RecordProperty("max_tracking_error_rad", std::to_string(tracker.MaxFeedbackError()));
+  EXPECT_LT(tracker.MaxFeedbackError(), Radians(5.0));
+}
+
+TEST_F(TrajectoryActionTest, CancelBrakesTheArmShortOfTheGoal) {
+  const Goal goal = Sweep(Radians(40), 4.0);
+  GoalTracker tracker(*action, goal);
+  ASSERT_TRUE(tracker.WaitFeedback(60, seconds(10)));
+  tracker.Cancel();
+  ASSERT_TRUE(tracker.WaitDone(seconds(5)));
+  EXPECT_EQ(tracker.State(), TerminalState::PREEMPTED);
+  ASSERT_EQ(robot.wait_for_motors(), 0);
+  const std::vector<double> stopped = Angles();
+  EXPECT_LT(stopped[0], goal.trajectory.points.back().positions[0] - Radians(10));
+}
+
+TEST_F(TrajectoryActionTest, ANewGoalReplacesTheRunningOne) {
+  const Goal first = Sweep(Radians(40), 4.0);
+  GoalTracker firstTracker(*action, first);
+  ASSERT_TRUE(firstTracker.WaitFeedback(40, seconds(10)));
+  const Goal second = Sweep(Radians(-10), 1.5);
+  GoalTracker secondTracker(*action, second);
+  ASSERT_TRUE(firstTracker.WaitDone(seconds(5)));
+  EXPECT_EQ(firstTracker.State(), TerminalState::PREEMPTED);
+  ASSERT_TRUE(secondTracker.WaitDone(seconds(10)));
+  EXPECT_EQ(secondTracker.State(), TerminalState::SUCCEEDED)
+      << secondTracker.Outcome().error_string;
+  EXPECT_NEAR(Angles()[0], second.trajectory.points.back().positions[0], Radians(0.05));
+}
+
+TEST_F(TrajectoryActionTest, RefusesGoalsItCannotFollow) {
+  const std::vector<double> here = Angles();
+  Goal unknown = MakeGoal({{1.0, here}});
+  unknown.trajectory.joint_names[5] = std::string(kPrefix) + "joint_7";
+  GoalTracker unknownTracker(*action, unknown);
+  ExpectRefused(unknownTracker, Result::INVALID_JOINTS);
+
+  Goal otherArm = MakeGoal({{1.0, here}});
+  otherArm.trajectory.joint_names[0] = "right_joint_1";
+  GoalTracker otherArmTracker(*action, otherArm);
+  ExpectRefused(otherArmTracker, Result::INVALID_JOINTS);
+
+  Goal twice = MakeGoal({{1.0, here}});
+  twice.trajectory.joint_names[1] = twice.trajectory.joint_names[0];
+  GoalTracker twiceTracker(*action, twice);
+  ExpectRefused(twiceTracker, Result::INVALID_JOINTS);
+
+  Goal backwards = MakeGoal({{1.0, here}, {0.5, here}});
+  GoalTracker backwardsTracker(*action, backwards);
+  ExpectRefused(backwardsTracker, Result::INVALID_GOAL);
+
+  Goal short_ = MakeGoal({{1.0, {here.begin(), here.begin() + 5}}});
+  GoalTracker shortTracker(*action, short_);
+  ExpectRefused(shortTracker, Result::INVALID_GOAL);
+
+  std::vector<double> far = here;
+  far[0] += Radians(90);
+  GoalTracker tooFastTracker(*action, MakeGoal({{0.05, far}}));
+  ExpectRefused(tooFastTracker, Result::INVALID_GOAL);
+}
+
+TEST_F(TrajectoryActionTest, AbortsWhenThePathToleranceIsExceeded) {
+  Goal goal = Sweep(Radians(30), 1.0);
+  for (const std::string& name : goal.trajectory.joint_names) {
+    tavclient_ros::JointTolerance tolerance;
+    tolerance.name = name;
+    tolerance.position = 1e-7;
+    goal.path_tolerance.push_back(tolerance);
+  }
+  GoalTracker tracker(*action, goal);
+  ASSERT_TRUE(tracker.WaitDone(seconds(10)));
+  EXPECT_EQ(tracker.State(), TerminalState::ABORTED);
+  EXPECT_EQ(tracker.Outcome().error_code, Result::PATH_TOLERANCE_VIOLATED);
+  EXPECT_FALSE(tracker.Outcome().error_string.empty());
+}
+
+TEST_F(TrajectoryActionTest, AbortsWithTheControllersRefusal) {
+  GoalTracker tracker(*action, Sweep(Radians(30), 3.0));
+  ASSERT_TRUE(tracker.WaitFeedback(20, seconds(10)));
+  std_srvs::Trigger stop;
+  ASSERT_TRUE(ros::service::call("/arm/stop", stop));
+  ASSERT_TRUE(tracker.WaitDone(seconds(5)));
+  EXPECT_EQ(tracker.State(), TerminalState::ABORTED);
+  EXPECT_NE(tracker.Outcome().error_string.find("2001051"), std::string::npos)
+      << tracker.Outcome().error_string;
+}
+
+}  // namespace
+}  // namespace tavrostest
