@@ -62,6 +62,14 @@ class TwoArms(unittest.TestCase):
         except AssertionError:
             self.fail(f"timed out waiting for {what}; roslaunch said:\n{self._launch_output()}")
 
+    @staticmethod
+    def _login(robot, port):
+        try:
+            robot.RobotLogin("127.0.0.1", port)
+            return True
+        except tavclient.RobotError:
+            return False
+
     def _tool_in_world(self, arm):
         if not self.tf.can_transform("world", f"{arm}_tool0", rospy.Time(0)):
             return None
@@ -84,7 +92,7 @@ class TwoArms(unittest.TestCase):
         try:
             for arm, port in self.ports.items():
                 robots[arm] = tavclient.Robot().__enter__()
-                robots[arm].RobotLogin("127.0.0.1", port)
+                self._await(lambda: self._login(robots[arm], port), f"{arm}'s simulator")
                 robots[arm].Setup("arm", CHANNEL, tavclient.Setup_Mode.Virtual)
             for arm in MOUNTS:
                 self._await(lambda: arm in self.latest, f"/{arm}/joint_states")
