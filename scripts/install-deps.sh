@@ -9,11 +9,12 @@ set -euo pipefail
 
 demo=(cmake g++ make)
 view=(pkg-config libcpp-httplib-dev libjs-three)
-# ROS's master, launcher and Python clients, robot_state_publisher and rviz; check_urdf checks the
-# description; Xvfb and ImageMagick's import take the rviz picture.
-ros=(python3-rosmaster python3-roslaunch python3-rospy python3-tf2-ros python3-sensor-msgs
-     python3-visualization-msgs python3-yaml ros-robot-state-publisher rviz liburdfdom-tools xvfb
-     imagemagick)
+# ROS's master, launcher and Python clients (genpy makes the action's Python messages for the
+# rviz picture), robot_state_publisher and rviz; check_urdf checks the description; Xvfb and
+# ImageMagick's import take the rviz picture.
+ros=(python3-rosmaster python3-roslaunch python3-rospy python3-tf2-ros python3-actionlib python3-genpy
+     python3-sensor-msgs python3-trajectory-msgs python3-visualization-msgs python3-yaml
+     ros-robot-state-publisher rviz liburdfdom-tools xvfb imagemagick)
 # pkg-config builds the README's program against an install; clang-14 and its runtimes
 # (libFuzzer among them) build the fuzzing harnesses; valgrind checks the soak for leaks;
 # pybind11 and the Python headers build the Python module, pytest runs its tests; dpkg-dev and

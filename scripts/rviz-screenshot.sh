@@ -2,8 +2,7 @@
 # Takes the README's rviz picture: the simulated arm in rviz (ros/rviz/sim.rviz), under Xvfb,
 # after following a joint trajectory, with its tool's path traced.
 # Usage: scripts/rviz-screenshot.sh [BUILD_DIR] [OUTPUT_PNG]
-# Needs the build's tavsim and Python module; uses the build's tavclient_node when there is one,
-# else publishes the simulator's joint angles itself. Xvfb, rviz and ImageMagick's import come
+# Needs the build's tavsim and tavclient_node; Xvfb, rviz, genpy and ImageMagick's import come
 # from scripts/install-deps.sh ros.
 set -euo pipefail
 
@@ -41,7 +40,20 @@ pids+=($!)
 await test -s "$work/display"
 export DISPLAY=:$(cat "$work/display")
 
-export ROS_IP=127.0.0.1 ROS_HOME=$work/ros PYTHONPATH=$build/python-module
+# The action's messages for Python, as the motion script imports them.
+messages=$work/python/tavclient_ros/msg
+includes=(-I "tavclient_ros:$root/ros/msg" -I "tavclient_ros:$build/ros/action_msg")
+for dependency in std_msgs actionlib_msgs trajectory_msgs geometry_msgs; do
+  includes+=(-I "$dependency:/usr/share/$dependency/msg")
+done
+for definition in "$root"/ros/msg/*.msg "$build"/ros/action_msg/*.msg; do
+  /usr/bin/python3 /usr/lib/genpy/genmsg_py.py "${includes[@]}" -p tavclient_ros -o "$messages" \
+    "$definition"
+done
+/usr/bin/python3 /usr/lib/genpy/genmsg_py.py --initpy -p tavclient_ros -o "$messages"
+touch "$work/python/tavclient_ros/__init__.py"
+
+export ROS_IP=127.0.0.1 ROS_HOME=$work/ros PYTHONPATH=$work/python
 master_port=$(free_port)
 export ROS_MASTER_URI=http://127.0.0.1:$master_port/
 rosmaster --core -p "$master_port" >"$work/master.log" 2>&1 &
@@ -51,12 +63,8 @@ await rosparam list
 robot_port=$(free_port)
 "$build/simulator/tavsim" --port "$robot_port" --quiet &
 pids+=($!)
-motion=(--publish-joint-states)
-if [ -x "$node" ]; then
-  "$node" _robot_port:="$robot_port" >"$work/node.log" 2>&1 &
-  pids+=($!)
-  motion=()
-fi
+"$node" _robot_port:="$robot_port" >"$work/node.log" 2>&1 &
+pids+=($!)
 
 /usr/bin/python3 "$root/ros/scripts/urdf_with_prefix.py" --parent=world -o "$work/arm.urdf" \
   "$root/ros/urdf/tavsim_arm.urdf"
@@ -77,7 +85,7 @@ rviz -d "$work/shot.rviz" >"$work/rviz.log" 2>&1 &
 pids+=($!)
 await bash -c 'rostopic info /tool_trail 2>/dev/null | grep -q rviz'
 
-/usr/bin/python3 "$root/scripts/rviz_screenshot_motion.py" "$robot_port" "${motion[@]}"
+/usr/bin/python3 "$root/scripts/rviz_screenshot_motion.py"
 # rviz redraws at 30 Hz; give it a few frames for the last joint state and trail.
 sleep 1
 mkdir -p "$(dirname "$output")"

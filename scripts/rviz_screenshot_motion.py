@@ -1,47 +1,52 @@
 #!/usr/bin/python3
-"""The motion for scripts/rviz-screenshot.sh: moves the simulated arm through a joint-space
-trajectory and traces its tool in rviz (a line strip on `tool_trail`, from TF world -> tool0).
-Usage: rviz_screenshot_motion.py SIMULATOR_PORT [--publish-joint-states]
-With --publish-joint-states it also publishes the simulator's joint angles itself, for a
-build without the driver node."""
+"""The motion for scripts/rviz-screenshot.sh: sends the driver a joint trajectory through its
+follow_joint_trajectory action and traces the tool in rviz while the arm follows it (a line
+strip on `tool_trail`, from TF world -> tool0). Needs the package's action messages for Python
+on PYTHONPATH."""
 
-import argparse
 import math
 import sys
-import threading
 
+import actionlib
 import rospy
 import tf2_ros
 from geometry_msgs.msg import Point
-from sensor_msgs.msg import JointState
+from trajectory_msgs.msg import JointTrajectoryPoint
 from visualization_msgs.msg import Marker
 
-import tavclient
+from tavclient_ros.msg import FollowJointTrajectoryAction, FollowJointTrajectoryGoal
 
-CHANNEL = ("can0", "can", "canopen", 1, 500000)
+JOINTS = [f"joint_{i}" for i in range(1, 7)]
 START = [-30, -110, 100, -80, -90, 0]
 WAYPOINTS = [[20, -80, 70, -80, -90, 30], [70, -110, 100, -80, -90, 0],
              [110, -80, 60, -70, -90, -30]]
+SECONDS_PER_WAYPOINT = 1.5
 
 
-def publish_joint_states(robot, stop):
-    publisher = rospy.Publisher("joint_states", JointState, queue_size=10)
-    names = [f"joint_{i}" for i in range(1, 7)]
-    rate = rospy.Rate(50)
-    while not stop.is_set():
-        degrees = robot.get_angles()
-        publisher.publish(JointState(header=rospy.Header(stamp=rospy.Time.now()), name=names,
-                                     position=[math.radians(d) for d in degrees]))
-        rate.sleep()
+def goal(waypoints):
+    message = FollowJointTrajectoryGoal()
+    message.trajectory.joint_names = JOINTS
+    message.trajectory.points = [
+        JointTrajectoryPoint(positions=[math.radians(d) for d in degrees],
+                             time_from_start=rospy.Duration(SECONDS_PER_WAYPOINT * (i + 1)))
+        for i, degrees in enumerate(waypoints)]
+    return message
 
 
-def tool_position(tf):
-    position = tf.lookup_transform("world", "tool0", rospy.Time(0), rospy.Duration(10)).transform
-    return position.translation
-
-
-def near(position, pose):
-    return math.dist((position.x, position.y, position.z), (pose.x, pose.y, pose.z)) < 1e-3
+def follow(client, waypoints, tf, trail=None):
+    """Sends the waypoints and waits for the result; with `trail`, publishes the tool's path
+    meanwhile."""
+    client.send_goal(goal(waypoints))
+    points = []
+    while not client.wait_for_result(rospy.Duration(0.04)):
+        if trail is not None:
+            tool = tf.lookup_transform("world", "tool0", rospy.Time(0)).transform.translation
+            points.append(Point(tool.x, tool.y, tool.z))
+            trail.publish(trail_marker(points))
+    result = client.get_result()
+    if client.get_state() != actionlib.GoalStatus.SUCCEEDED:
+        raise RuntimeError(f"the trajectory failed: {result.error_string if result else '?'}")
+    return points
 
 
 def trail_marker(points):
@@ -53,44 +58,26 @@ def trail_marker(points):
     return marker
 
 
-def main(argv):
-    parser = argparse.ArgumentParser()
-    parser.add_argument("port", type=int)
-    parser.add_argument("--publish-joint-states", action="store_true")
-    arguments = parser.parse_args(argv)
+def main():
     rospy.init_node("rviz_screenshot_motion", disable_signals=True)
     tf = tf2_ros.Buffer()
     tf2_ros.TransformListener(tf)
     trail = rospy.Publisher("tool_trail", Marker, queue_size=1, latch=True)
-    stop = threading.Event()
-    with tavclient.Robot() as robot:
-        robot.RobotLogin("127.0.0.1", arguments.port)
-        robot.Setup("arm", CHANNEL, tavclient.Setup_Mode.Virtual)
-        if arguments.publish_joint_states:
-            threading.Thread(target=publish_joint_states, args=(robot, stop), daemon=True).start()
-        robot.move_to_angles(list(range(1, 7)), START, 90.0, 200.0, tavclient.Relative_Mode.Absolute)
-        robot.wait_for_motors()
-        # TF must show the start before the trail begins, or it would start at the old pose.
-        start = robot.forward(START)
-        while not near(tool_position(tf), start):
-            rospy.sleep(0.02)
-        end = robot.forward(WAYPOINTS[-1])
-        robot.moveJ([robot.forward(w) for w in WAYPOINTS], 60.0, 120.0, 0.0,
-                    tavclient.Traj_Close_Mode.Open)
-        done = threading.Event()
-        threading.Thread(target=lambda: (robot.wait_for_motors(), done.set()), daemon=True).start()
-        points = []
-        while True:
-            tool = tool_position(tf)
-            points.append(Point(tool.x, tool.y, tool.z))
-            trail.publish(trail_marker(points))
-            if done.is_set() and near(tool, end):
-                break
-            rospy.sleep(0.04)
-        stop.set()
-    print(f"traced {len(points)} tool positions")
+    client = actionlib.SimpleActionClient("follow_joint_trajectory", FollowJointTrajectoryAction)
+    if not client.wait_for_server(rospy.Duration(30)):
+        raise RuntimeError("no follow_joint_trajectory action server")
+    tf.lookup_transform("world", "tool0", rospy.Time(0), rospy.Duration(30))
+    follow(client, [START], tf)
+    points = follow(client, WAYPOINTS, tf, trail)
+    # The trail ends at the first joint state after the result: the arm at rest.
+    ended = rospy.Time.now()
+    while (last := tf.lookup_transform("world", "tool0", rospy.Time(0))).header.stamp <= ended:
+        rospy.sleep(0.01)
+    tool = last.transform.translation
+    trail.publish(trail_marker(points + [Point(tool.x, tool.y, tool.z)]))
+    print(f"traced {len(points) + 1} tool positions")
     return 0
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1:]))
+    sys.exit(main())
