@@ -22,8 +22,17 @@ cleanup() {
 }
 trap cleanup EXIT
 
+# Below the ephemeral range, where the driver's reconnecting could take the simulator's port.
 free_port() {
-  /usr/bin/python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])'
+  /usr/bin/python3 -c 'import random, socket
+while True:
+    port = random.randint(20000, 32000)
+    try:
+        socket.socket().bind(("127.0.0.1", port))
+        break
+    except OSError:
+        pass
+print(port)'
 }
 # Polls a command until it succeeds, for up to 30 s.
 await() {

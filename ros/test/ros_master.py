@@ -3,6 +3,7 @@ temporary folder, set in this process's environment so that rospy and the progra
 starts use it."""
 
 import os
+import random
 import socket
 import subprocess
 import tempfile
@@ -12,9 +13,18 @@ import rosgraph
 
 
 def free_port():
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
+    """A port on 127.0.0.1 that was free a moment ago, below the kernel's ephemeral range
+    (32768 and up): a client that keeps connecting to a closed port of that range, as the driver
+    does before its controller listens, may be given that port as its own and connect to itself."""
+    for _ in range(100):
+        port = random.randint(20000, 32000)
+        with socket.socket() as probe:
+            try:
+                probe.bind(("127.0.0.1", port))
+            except OSError:
+                continue
+            return port
+    raise AssertionError("no free port between 20000 and 32000")
 
 
 def wait_for(condition, timeout, what):
