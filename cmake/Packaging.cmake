@@ -1,6 +1,6 @@
 # Debian packages of the installed files, one per component, built by `cpack -G DEB` in the
-# build directory (scripts/packages.sh): libtavclient0, libtavclient-dev, python3-tavclient and
-# tavsim, all under /usr.
+# build directory (scripts/packages.sh): libtavclient0, libtavclient-dev, python3-tavclient,
+# tavsim and, with the ROS driver built, tavclient-ros, all under /usr.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tavclient)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -47,6 +47,17 @@ if(TARGET tavsim_view)
   # The live view's page loads three.js from the system; without it the page shows no 3D.
   set(CPACK_DEBIAN_SIMULATOR_PACKAGE_RECOMMENDS libjs-three)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS libjs-three)
+endif()
+if(TARGET tavclient_node)
+  # The ROS package in ROS's places: /usr/lib/tavclient_ros, /usr/share/tavclient_ros and the
+  # message headers in /usr/include/tavclient_ros. The ROS libraries come from dpkg-shlibdeps.
+  list(APPEND CPACK_COMPONENTS_ALL ros)
+  set(CPACK_DEBIAN_ROS_PACKAGE_NAME tavclient-ros)
+  set(CPACK_DEBIAN_ROS_PACKAGE_SECTION misc)
+  set(CPACK_DEBIAN_ROS_PACKAGE_DEPENDS "${exact_library}, ros-message-runtime")
+  set(CPACK_DEBIAN_ROS_PACKAGE_RECOMMENDS "tavsim, ros-robot-state-publisher, rviz")
+  set(CPACK_COMPONENT_ROS_DESCRIPTION
+    "ROS 1 driver for the robot-arm controller (package tavclient_ros: node, action, services, description)")
 endif()
 
 include(CPack)

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds the Debian packages libtavclient0, libtavclient-dev, python3-tavclient and tavsim in
-# Release, into build-packages/debs; `--install` then installs them through apt.
+# Builds the Debian packages libtavclient0, libtavclient-dev, python3-tavclient, tavsim and,
+# where Debian's ROS is installed, tavclient-ros in Release, into build-packages/debs;
+# `--install` then installs them through apt.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh cmake g++ make python3-dev python3-pybind11 dpkg-dev file

@@ -41,13 +41,11 @@ bool CommandServices::_answer(Response& response, Command command) {
   const int code = robot->Use(command);
   keeper.Report(code);
   response.success = code == 0;
-  response.message =
-      code == 0 ? "" : std::to_string(code) + " " + Robot::EventText(code);
+  response.message = code == 0 ? "" : std::to_string(code) + " " + Robot::EventText(code);
   return true;
 }
 
-void CommandServices::_trigger(const std::string& name,
-                               std::function<int(Robot&)> command) {
+void CommandServices::_trigger(const std::string& name, std::function<int(Robot&)> command) {
   servers.push_back(node.advertiseService<std_srvs::Trigger::Request, std_srvs::Trigger::Response>(
       name, [this, command](std_srvs::Trigger::Request&, std_srvs::Trigger::Response& response) {
         return _answer(response, command);
@@ -87,9 +85,7 @@ bool CommandServices::_forward(tavclient_ros::Forward::Request& request,
   }
   _Pose pose;
   const std::vector<double> degrees = Degrees(request.positions);
-  _answer(response, [&](Robot& arm) {
-    return arm.forward(degrees.data(), pose);
-  });
+  _answer(response, [&](Robot& arm) { return arm.forward(degrees.data(), pose); });
   response.pose.header.stamp = ros::Time::now();
   response.pose.header.frame_id = names.Prefix() + "base_link";
   response.pose.pose.position.x = pose.x;

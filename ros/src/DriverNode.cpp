@@ -71,7 +71,7 @@ DriverNode::DriverNode(ros::NodeHandle rosNode, const DriverOptions& driverOptio
 
   tavclient::MonitorOptions pose;
   pose.rateHz = options.poseRate;
-  pose.fields = static_cast<unsigned>(StateField::Pose);
+  pose.fields = tavclient::Fields(StateField::Pose);
   if (options.inputCount > 0) {
     pose.fields = pose.fields | StateField::Inputs;
     for (int id = 1; id <= options.inputCount; ++id) {
@@ -89,10 +89,8 @@ DriverNode::DriverNode(ros::NodeHandle rosNode, const DriverOptions& driverOptio
   keeper->Start();
   jointMonitor->Start();
   poseMonitor->Start();
-  diagnosticsTimer =
-      node.createWallTimer(ros::WallDuration(1.0), [this](const ros::WallTimerEvent&) {
-        _publishDiagnostics();
-      });
+  diagnosticsTimer = node.createWallTimer(
+      ros::WallDuration(1.0), [this](const ros::WallTimerEvent&) { _publishDiagnostics(); });
 }
 
 DriverNode::~DriverNode() {
@@ -165,8 +163,8 @@ void DriverNode::_publishDiagnostics() {
   diagnostic_msgs::DiagnosticStatus status;
   status.name = ros::this_node::getName() + ": controller";
   status.hardware_id = options.session.Address();
-  status.level = connected ? diagnostic_msgs::DiagnosticStatus::OK
-                           : diagnostic_msgs::DiagnosticStatus::ERROR;
+  status.level =
+      connected ? diagnostic_msgs::DiagnosticStatus::OK : diagnostic_msgs::DiagnosticStatus::ERROR;
   status.message = connected ? "connected"
                              : "not connected, joint states paused" +
                                    (code == 0 ? std::string() : ": " + codeText);

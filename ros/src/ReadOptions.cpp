@@ -59,8 +59,7 @@ DriverOptions ReadOptions(const ros::NodeHandle& privateNode) {
   _require(options.inputCount >= 0 && options.outputCount >= 0, "input_count",
            "not negative, as ~output_count");
 
-  options.goalTolerance =
-      Degrees(_param(p, "goal_tolerance", Radians(options.goalTolerance)));
+  options.goalTolerance = Degrees(_param(p, "goal_tolerance", Radians(options.goalTolerance)));
   options.goalTimeTolerance = _param(p, "goal_time_tolerance", options.goalTimeTolerance);
   options.pathTolerance = Degrees(_param(p, "path_tolerance", Radians(options.pathTolerance)));
   _require(options.goalTolerance > 0 && options.goalTimeTolerance > 0, "goal_tolerance",

@@ -16,9 +16,7 @@ using Result = tavclient_ros::FollowJointTrajectoryResult;
 // A tolerance of -1 lifts the check for its joint: wider than any arm reaches.
 constexpr double kUnchecked = 1e9;
 
-std::string _codeText(int code) {
-  return std::to_string(code) + " " + Robot::EventText(code);
-}
+std::string _codeText(int code) { return std::to_string(code) + " " + Robot::EventText(code); }
 
 // The per-joint values of `given` for `jointNames` in degrees (`field` of each entry), with
 // `fallback` where an entry is absent or 0.
@@ -48,15 +46,16 @@ trajectory_msgs::JointTrajectoryPoint _point(const std::vector<double>& degrees,
 TrajectoryAction::TrajectoryAction(ros::NodeHandle node,
                                    std::shared_ptr<tavclient::SharedRobot> sharedRobot,
                                    std::shared_ptr<tavclient::StateMonitor> monitor,
-                                   const SessionKeeper& sessionKeeper,
-                                   const JointNames& jointNames, const DriverOptions& driverOptions)
+                                   const SessionKeeper& sessionKeeper, const JointNames& jointNames,
+                                   const DriverOptions& driverOptions)
     : robot(sharedRobot),
       keeper(sessionKeeper),
       names(jointNames),
       options(driverOptions),
       follower(sharedRobot, std::move(monitor)),
-      server(node, "follow_joint_trajectory", [this](GoalHandle goal) { _onGoal(goal); },
-             [this](GoalHandle goal) { _onCancel(goal); }, false) {
+      server(
+          node, "follow_joint_trajectory", [this](GoalHandle goal) { _onGoal(goal); },
+          [this](GoalHandle goal) { _onCancel(goal); }, false) {
   server.start();
 }
 
@@ -161,7 +160,8 @@ bool TrajectoryAction::_translate(const tavclient_ros::FollowJointTrajectoryGoal
     const auto& point = goal.trajectory.points[i];
     if (point.positions.size() != jointNames.size() ||
         (!point.velocities.empty() && point.velocities.size() != jointNames.size())) {
-      result.error_string = "point " + std::to_string(i) + " does not have one position (and "
+      result.error_string = "point " + std::to_string(i) +
+                            " does not have one position (and "
                             "velocity, if any) per joint name";
       return false;
     }

@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <random>
 #include <stdexcept>
 #include <thread>
 
@@ -27,8 +28,7 @@ ChildProcess::ChildProcess(std::vector<std::string> command) {
   sigemptyset(&none);
   ::posix_spawnattr_setsigmask(&attributes, &none);
   ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-  const int spawned =
-      ::posix_spawnp(&pid, argv[0], nullptr, &attributes, argv.data(), environ);
+  const int spawned = ::posix_spawnp(&pid, argv[0], nullptr, &attributes, argv.data(), environ);
   ::posix_spawnattr_destroy(&attributes);
   if (spawned != 0) {
     pid = -1;
@@ -67,17 +67,28 @@ bool ChildProcess::WaitExit(std::chrono::milliseconds wait) {
 }
 
 int FreePort() {
-  const int probe = ::socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  if (probe < 0 || ::bind(probe, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-      ::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
-    throw std::runtime_error("no free port: " + std::string(std::strerror(errno)));
+  // Below the kernel's ephemeral range (32768 and up by default): a client that keeps
+  // connecting to a closed port of that range may be given it as its own port and connect to
+  // itself, and a controller restarted there then finds its port taken.
+  static std::mt19937 random(std::random_device{}());
+  std::uniform_int_distribution<int> ports(20000, 32000);
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    const int port = ports(random);
+    const int probe = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    const bool free =
+        probe >= 0 && ::bind(probe, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+    if (probe >= 0) {
+      ::close(probe);
+    }
+    if (free) {
+      return port;
+    }
   }
-  ::close(probe);
-  return ntohs(address.sin_port);
+  throw std::runtime_error("no free port between 20000 and 32000");
 }
 
 }  // namespace tavrostest

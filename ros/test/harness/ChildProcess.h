@@ -31,7 +31,7 @@ private:
   int status = 0;
 };
 
-// A TCP port on 127.0.0.1 that nothing listened on a moment ago.
+// A TCP port on 127.0.0.1 below the ephemeral range that was free a moment ago.
 int FreePort();
 
 }  // namespace tavrostest

@@ -30,11 +30,11 @@ public:
     std::unique_lock<std::mutex> lock(mutex);
     return arrived.wait_for(lock, wait, [&] { return messages.size() >= count; });
   }
-  // Waits for the first message that satisfies `condition`, recorded from now on.
+  // Waits for the first recorded message that satisfies `condition`.
   template <typename Condition>
   Pointer WaitUntil(std::chrono::milliseconds wait, Condition condition) {
     std::unique_lock<std::mutex> lock(mutex);
-    std::size_t next = messages.size();
+    std::size_t next = 0;
     Pointer found;
     arrived.wait_for(lock, wait, [&] {
       for (; next < messages.size(); ++next) {

@@ -44,6 +44,7 @@ void DriverTest::ConnectRobot() {
 
 bool DriverTest::WaitConnected(bool connected, std::chrono::milliseconds wait) {
   const std::string wanted = connected ? "true" : "false";
+  diagnostics->Clear();
   return diagnostics->WaitUntil(wait, [&](const diagnostic_msgs::DiagnosticArray& array) {
     for (const auto& status : array.status) {
       for (const auto& pair : status.values) {

@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "Robot.h"
-#include "reliability/SimulatorProcess.h"
 #include "harness/ChildProcess.h"
 #include "harness/GoalTracker.h"
 #include "harness/Recorder.h"
+#include "reliability/SimulatorProcess.h"
 
 namespace tavrostest {
 
@@ -36,7 +36,7 @@ protected:
   void StartDriver(int port, const std::vector<std::string>& options = {});
   // Logs the test's own Robot in to the simulator and sets it up.
   void ConnectRobot();
-  // Waits until the driver's diagnostics say `connected`.
+  // Waits until the driver's diagnostics, from now on, say `connected`.
   bool WaitConnected(bool connected, std::chrono::milliseconds wait);
   // The joint names with the prefix: joint_1 ... joint_<count>.
   static std::vector<std::string> JointNames(int count = 6);

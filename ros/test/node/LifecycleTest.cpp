@@ -34,8 +34,8 @@ TEST_F(DriverTest, WaitsForAControllerThatStartsLater) {
 }
 
 TEST_F(DriverTest, RidesOutAControllerRestart) {
-  StartSimulator();
-  const int port = simulator->Port();
+  const int port = FreePort();
+  StartSimulator(port);
   StartDriver(port);
   ASSERT_TRUE(jointStates->WaitFor(10, seconds(10)));
   ASSERT_TRUE(action->waitForActionServerToStart(ros::Duration(10)));

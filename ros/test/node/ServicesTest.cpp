@@ -89,6 +89,7 @@ TEST_F(ServicesTest, OutputsAndToolsReachTheInputs) {
   EXPECT_FALSE(tool.response.success);
   EXPECT_EQ(tool.response.message, Refusal(2001071));
 
+  outputs.Clear();
   EXPECT_TRUE(Trigger("reset").response.success);
   EXPECT_TRUE(outputs.WaitUntil(seconds(5), [](const std_msgs::UInt8MultiArray& message) {
     return message.data == std::vector<std::uint8_t>(8, 0);
