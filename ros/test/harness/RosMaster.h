@@ -1,7 +1,6 @@
 #ifndef TAVROSTEST_ROSMASTER_H
 #define TAVROSTEST_ROSMASTER_H
 
-#include <gtest/gtest.h>
 #include <ros/spinner.h>
 
 #include <memory>
@@ -11,16 +10,20 @@
 
 namespace tavrostest {
 
-// A test program's own ROS: a rosmaster on a free loopback port with ROS_HOME in a temporary
-// folder, the environment that every child node inherits, and this process as a node with
-// callbacks served on two threads. Registered once per program as a global environment.
-class RosMaster : public ::testing::Environment {
+// A program's own ROS: a rosmaster on a free loopback port with ROS_HOME in a temporary folder,
+// the environment every child node inherits, and this process as a node whose callbacks are
+// served on two threads. One per program: ROS initialises a process once.
+class RosMaster {
 public:
-  void SetUp() override;
-  void TearDown() override;
+  // Throws std::runtime_error when the master does not come up.
+  RosMaster();
+  // Shuts this node down and stops the master.
+  ~RosMaster();
+  RosMaster(const RosMaster&) = delete;
+  RosMaster& operator=(const RosMaster&) = delete;
 
 private:
-  std::unique_ptr<tavtest::TemporaryDirectory> home;
+  tavtest::TemporaryDirectory home;
   std::unique_ptr<ChildProcess> master;
   std::unique_ptr<ros::AsyncSpinner> spinner;
 };

@@ -129,6 +129,23 @@ TEST_F(TrajectoryActionTest, AbortsWhenThePathToleranceIsExceeded) {
   EXPECT_FALSE(tracker.Outcome().error_string.empty());
 }
 
+TEST_F(TrajectoryActionTest, AbortsWhenTheGoalIsNotReachedInTime) {
+  // Replies carry about seven digits: a joint never comes within 1e-12 rad of 0.123456789 rad.
+  std::vector<double> target = Angles();
+  target[0] = 0.123456789;
+  Goal goal = MakeGoal({{1.0, target}});
+  tavclient_ros::JointTolerance tolerance;
+  tolerance.name = goal.trajectory.joint_names[0];
+  tolerance.position = 1e-12;
+  goal.goal_tolerance.push_back(tolerance);
+  goal.goal_time_tolerance = ros::Duration(0.1);
+  GoalTracker tracker(*action, goal);
+  ASSERT_TRUE(tracker.WaitDone(seconds(10)));
+  EXPECT_EQ(tracker.State(), TerminalState::ABORTED);
+  EXPECT_EQ(tracker.Outcome().error_code, Result::GOAL_TOLERANCE_VIOLATED);
+  EXPECT_NEAR(Angles()[0], target[0], Radians(0.05)) << "close, but not within 1e-12 rad";
+}
+
 TEST_F(TrajectoryActionTest, AbortsWithTheControllersRefusal) {
   GoalTracker tracker(*action, Sweep(Radians(30), 3.0));
   ASSERT_TRUE(tracker.WaitFeedback(20, seconds(10)));
