@@ -12,11 +12,15 @@ demo=(cmake g++ make)
 view=(pkg-config libcpp-httplib-dev libjs-three)
 # The driver's build: roscpp, actionlib, the message packages it uses and tf2 (found through
 # pkg-config), genmsg and gencpp for its own messages; at run time rosmaster, the robot state
-# publisher and rviz; rostest and Xvfb for the description's tests and the rviz screenshot.
+# publisher and rviz; rostest and Xvfb for the tests and the rviz screenshot. The description's
+# tests and the screenshot use ROS from Python (rospy, tf2, actionlib, the message modules, genpy
+# for the action's), check_urdf, and ImageMagick's import.
 ros=(pkg-config ros-base-dev ros-message-generation libactionlib-dev libactionlib-msgs-dev
      python3-actionlib libstd-msgs-dev libstd-srvs-dev libsensor-msgs-dev libgeometry-msgs-dev
      libdiagnostic-msgs-dev libtrajectory-msgs-dev libtf2-dev libtf2-ros-dev
-     ros-robot-state-publisher rviz python3-rostest librostest-dev xvfb)
+     ros-robot-state-publisher rviz python3-rostest librostest-dev xvfb
+     python3-rospy python3-roslaunch python3-tf2-ros python3-genpy python3-yaml python3-sensor-msgs
+     python3-trajectory-msgs python3-visualization-msgs liburdfdom-tools imagemagick)
 # pkg-config builds the README's program against an install; clang-14 and its runtimes
 # (libFuzzer among them) build the fuzzing harnesses; valgrind checks the soak for leaks;
 # pybind11 and the Python headers build the Python module, pytest runs its tests and
