@@ -99,8 +99,9 @@ protected:
   }
 
   int Collect(const std::string& name, Message& result, std::chrono::milliseconds wait = 5s) {
-    return worker.WaitRecv(
+    const int code = worker.Replies().Wait(
         name, result, [] { return false; }, Receiver::Clock::now() + wait);
+    return code == RobotEvents::kSuccess ? code : RobotEvents::kReplyTimeout;
   }
 
   tavtest::ScriptedController controller;
@@ -159,10 +160,10 @@ TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
       SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}}) + Reply("8", "stop")));
   Message result;
   ASSERT_EQ(RobotEvents::kSuccess, Collect("stop8", result));  // filed after the stale one
-  worker.Expect("get_angles9");
+  const std::uint64_t ticket = worker.Replies().Expect("get_angles9");
   EXPECT_EQ(RobotEvents::kNoReplyYet, worker.GetRecv("get_angles9", result));
 
-  EXPECT_EQ(RobotEvents::kReplyTimeout, Collect("get_angles9", result, 50ms));
+  worker.Replies().Abandon("get_angles9", ticket);
   ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}})));
   ASSERT_TRUE(SendAsOneRead(Reply("10", "stop")));
   ASSERT_EQ(RobotEvents::kSuccess, Collect("stop10", result));
@@ -183,7 +184,7 @@ TEST_F(ReceiverTest, AFloodOfUnaskedRepliesIsCappedLogsAFewCountedLinesAndLeaves
     flood += Reply(std::to_string(i), "stop");
   }
   ASSERT_TRUE(controller.Send(flood + "garbage"));
-  worker.Expect("recover99999");
+  worker.Replies().Expect("recover99999");
   ASSERT_TRUE(controller.Send(Reply("99999", "recover")));
   Message result;
   EXPECT_EQ(RobotEvents::kSuccess, Collect("recover99999", result, 20s));
