@@ -228,13 +228,8 @@ int Client::_exchangeAlone(Tasks& task, std::uint64_t connection, const std::str
       replies.Abandon(name, ticket);
       return code;
     }
-    const SessionClock& time = *clock.load();
-    auto wakeAt = time.WakeAt(deadline);
-    if (CallInterruption::Installed()) {
-      wakeAt = std::min(wakeAt, SessionClock::Steady::now() + CallInterruption::kCheckInterval);
-    }
-    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(
-        std::max(wakeAt - SessionClock::Steady::now(), SessionClock::Steady::duration::zero()));
+    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(std::max(
+        _wakeAt(deadline) - SessionClock::Steady::now(), SessionClock::Steady::duration::zero()));
     open = receiver.ReadForCaller(connection, wait);
   }
 }
@@ -247,11 +242,8 @@ int Client::_waitReply(std::uint64_t connection, const std::string& name, std::u
     return status != RobotEvents::kSuccess || !_isOpen(connection) ||
            clock.load()->Now() >= deadline;
   };
+  const auto wakeAt = [&] { return _wakeAt(deadline); };
   for (;;) {
-    auto wakeAt = clock.load()->WakeAt(deadline);
-    if (CallInterruption::Installed()) {
-      wakeAt = std::min(wakeAt, SessionClock::Steady::now() + CallInterruption::kCheckInterval);
-    }
     if (replies.Wait(name, result, released, wakeAt) == RobotEvents::kSuccess) {
       return RobotEvents::kSuccess;
     }
@@ -273,6 +265,15 @@ int Client::_stopWaiting(std::uint64_t connection, SessionClock::TimePoint deadl
     return RobotEvents::kReplyTimeout;
   }
   return RobotEvents::kSuccess;
+}
+
+// An installed interruption check runs at least every interval.
+SessionClock::TimePoint Client::_wakeAt(SessionClock::TimePoint deadline) const {
+  const SessionClock::TimePoint wakeAt = clock.load()->WakeAt(deadline);
+  if (!CallInterruption::Installed()) {
+    return wakeAt;
+  }
+  return std::min(wakeAt, SessionClock::Steady::now() + CallInterruption::kCheckInterval);
 }
 
 SessionClock::TimePoint Client::_deadline() const {

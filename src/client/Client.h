@@ -101,6 +101,8 @@ private:
   // Why a call that has no reply yet must stop waiting: its code, or 0 to go on.
   int _stopWaiting(std::uint64_t connection, SessionClock::TimePoint deadline) const;
   SessionClock::TimePoint _deadline() const;
+  // The steady-clock time by which a wait for `deadline` looks again.
+  SessionClock::TimePoint _wakeAt(SessionClock::TimePoint deadline) const;
   // Wakes every wait of the session, so that it looks at its conditions again.
   void _wakeWaits();
   // The code for a call on this session now: the sticky status, else 1001011 when not connected.

@@ -39,6 +39,7 @@ void Heart::Enable(std::uint64_t connection) {
     active = true;
     enabledFor = connection;
     enabledAt = clock.load()->Now();
+    periodStart = enabledAt;
   }
   flagChanged.notify_all();
 }
@@ -76,11 +77,15 @@ bool Heart::_work() {
   const SessionClock& time = *clock.load();
   std::unique_lock<std::mutex> lock(flagMutex);
   const std::uint64_t connection = enabledFor;
-  const auto beatAt = time.Now() + Clock::duration(period.load());
+  const auto beatAt = periodStart + Clock::duration(period.load());
   const auto interrupted = [&] { return !active || enabledFor != connection; };
   for (;;) {
+    // One wait per round, so that every wake-up looks at the clock and the deadlines again.
     const auto due = std::min(beatAt, _silentAt());
-    if (flagChanged.wait_until(lock, time.WakeAt(due), interrupted)) {
+    if (!interrupted() && time.Now() < due) {
+      flagChanged.wait_until(lock, time.WakeAt(due));
+    }
+    if (interrupted()) {
       return true;
     }
     const auto now = time.Now();
@@ -99,5 +104,9 @@ bool Heart::_work() {
   lock.unlock();
   TavLogger::GetInstance().Info("Heartbeat.");
   _eventCall();
+  lock.lock();
+  if (!interrupted()) {
+    periodStart = time.Now();
+  }
   return true;
 }

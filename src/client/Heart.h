@@ -52,9 +52,11 @@ private:
   std::atomic<Clock::rep> period{Clock::duration(kPeriod).count()};
   std::atomic<Clock::rep> silenceLimit{Clock::duration(kSilenceLimit).count()};
   std::atomic<SessionClock*> clock{&SessionClock::SteadyClock()};
-  // Guarded by flagMutex: the connection of the enable, and when it came.
+  // Guarded by flagMutex: the connection of the enable, when it came, and when the current
+  // period began (at the enable, then at the end of every beat).
   std::uint64_t enabledFor = 0;
   Clock::time_point enabledAt;
+  Clock::time_point periodStart;
   void (*heartCallback)() = nullptr;
   ConnectionEvents* session = nullptr;
 };

@@ -59,14 +59,16 @@ int ReplyStore::Take(const std::string& name, Message& result) {
 }
 
 int ReplyStore::Wait(const std::string& name, Message& result,
-                     const std::function<bool()>& released, Clock::time_point wakeAt) {
+                     const std::function<bool()>& released,
+                     const std::function<Clock::time_point()>& wakeAt) {
   std::unique_lock<std::mutex> lock(mutex);
   // The entry stays while someone waits on it: only unclaimed entries are ever dropped.
   auto entry = entries.try_emplace(name).first;
   std::condition_variable filed;
   entry->second.waiters.push_back(&filed);
-  filed.wait_until(lock, wakeAt,
-                   [&] { return entry->second.state == State::kFiled || released(); });
+  if (entry->second.state != State::kFiled && !released()) {
+    filed.wait_until(lock, wakeAt());
+  }
   auto& waiters = entry->second.waiters;
   waiters.erase(std::find(waiters.begin(), waiters.end(), &filed));
   return _takeLocked(name, result);

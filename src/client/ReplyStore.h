@@ -40,11 +40,12 @@ public:
   Filed File(const std::string& name, Message message);
   // Takes the reply filed under `name` out; 1002021 when there is none. Never waits.
   int Take(const std::string& name, Message& result);
-  // Waits until `name` is filed (0, taken out), or until `released` holds or `wakeAt` passes
-  // (1002021). `released` is looked at whenever the waiter is woken: whoever makes it true
-  // calls WakeAll afterwards.
+  // Takes the reply `name` out (0) once it is filed; 1002021 when the wait ends without it:
+  // `released` held, `wakeAt` passed or the waiter was woken otherwise. Whoever makes
+  // `released` true calls WakeAll afterwards; a caller that goes on waiting calls again.
+  // `wakeAt` is asked under the store's lock, so that a wake-up right after it is not missed.
   int Wait(const std::string& name, Message& result, const std::function<bool()>& released,
-           Clock::time_point wakeAt);
+           const std::function<Clock::time_point()>& wakeAt);
   // The call that announced `name` with `ticket` has given up: its reply is dropped when it
   // comes. Nothing changes if the name has been announced again since.
   void Abandon(const std::string& name, std::uint64_t ticket);

@@ -99,9 +99,14 @@ protected:
   }
 
   int Collect(const std::string& name, Message& result, std::chrono::milliseconds wait = 5s) {
-    const int code = worker.Replies().Wait(
-        name, result, [] { return false; }, Receiver::Clock::now() + wait);
-    return code == RobotEvents::kSuccess ? code : RobotEvents::kReplyTimeout;
+    const auto deadline = Receiver::Clock::now() + wait;
+    while (Receiver::Clock::now() < deadline) {
+      if (worker.Replies().Wait(
+              name, result, [] { return false; }, [deadline] { return deadline; }) == 0) {
+        return RobotEvents::kSuccess;
+      }
+    }
+    return RobotEvents::kReplyTimeout;
   }
 
   tavtest::ScriptedController controller;
