@@ -370,4 +370,4 @@ void Client::_heartCallback() {
   sender.AddTask(Tasks{Tasks::kHeartbeat, {}});
 }
 
-ConnectionEvents::Clock::time_point Client::_lastHeard() { return receiver.LastArrival(); }
+SessionClock::TimePoint Client::_lastHeard() { return receiver.LastArrival(); }

@@ -12,7 +12,6 @@
 
 #include "../common/RobotEvent.h"
 #include "CallInterruption.h"
-#include "ConnectionEvents.h"
 #include "Heart.h"
 #include "LocalSystemInfo.h"
 #include "Receiver.h"
@@ -37,7 +36,7 @@
 // The heart is the watchdog: while connected it sends a heartbeat every period and fails the
 // session with 1003041 once nothing at all has arrived for the silence limit. A controller
 // that is busy with a long command still answers heartbeats, so it is never failed.
-class Client : private ConnectionEvents {
+class Client {
 public:
   static constexpr double kDefaultReplyTimeoutSeconds = 3600.0;
 
@@ -84,9 +83,16 @@ public:
 private:
   using Reply = std::map<std::string, std::string>;
 
-  void _eventCallback(std::uint64_t connection, Robot_Event event) override;
-  void _heartCallback() override;
-  Clock::time_point _lastHeard() override;
+  // What the workers tell their session, each about the connection it was loaded with.
+  friend class SocketWorker;
+  friend class Heart;
+  // `event` happened on `connection`: it fails the session if that connection is still open
+  // and nothing has failed it yet.
+  void _eventCallback(std::uint64_t connection, Robot_Event event);
+  // A heartbeat is due.
+  void _heartCallback();
+  // When anything last arrived from the controller.
+  SessionClock::TimePoint _lastHeard();
 
   void _failSession(Robot_Event event);
   // Whether `connection` is the one open now.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <mutex>
 
+#include "client/Client.h"
 #include "common/TavLogger.h"
 
 Heart::Heart() : WorkerThread("Heart thread setup succeed.", "Heart thread shutdown succeed.") {}
@@ -15,7 +16,7 @@ Heart::~Heart() {
 
 void Heart::HeartEventRegister(void (*callback)()) { heartCallback = callback; }
 
-void Heart::ReportTo(ConnectionEvents& owner) { session = &owner; }
+void Heart::ReportTo(Client& owner) { session = &owner; }
 
 void Heart::UseClock(SessionClock& newClock) { clock = &newClock; }
 

@@ -5,9 +5,10 @@
 #include <chrono>
 #include <cstdint>
 
-#include "ConnectionEvents.h"
 #include "SessionClock.h"
 #include "WorkerThread.h"
+
+class Client;
 
 // The heartbeat thread and the session's watchdog. While enabled it calls the heartbeat
 // callback at the end of every period, on its own thread, and starts the next period when the
@@ -28,7 +29,7 @@ public:
 
   // Register before Start.
   void HeartEventRegister(void (*callback)());
-  void ReportTo(ConnectionEvents& session);
+  void ReportTo(Client& session);
   // The clock periods and silence are measured on; it must outlive the heart.
   void UseClock(SessionClock& clock);
   // The period applies from the next period, the silence limit from the next wake.
@@ -58,7 +59,7 @@ private:
   Clock::time_point enabledAt;
   Clock::time_point periodStart;
   void (*heartCallback)() = nullptr;
-  ConnectionEvents* session = nullptr;
+  Client* session = nullptr;
 };
 
 #endif

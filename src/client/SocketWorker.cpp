@@ -2,12 +2,14 @@
 
 #include <mutex>
 
+#include "client/Client.h"
+
 SocketWorker::SocketWorker(const char* setup, const char* shutdown)
     : WorkerThread(setup, shutdown) {}
 
 void SocketWorker::RobotEventRegister(EventCallback callback) { eventCallback = callback; }
 
-void SocketWorker::ReportTo(ConnectionEvents& owner) { session = &owner; }
+void SocketWorker::ReportTo(Client& owner) { session = &owner; }
 
 void SocketWorker::Load(int& socket) { Load(socket, loadedConnection + 1); }
 

@@ -5,8 +5,9 @@
 #include <cstdint>
 
 #include "../common/RobotEvent.h"
-#include "ConnectionEvents.h"
 #include "WorkerThread.h"
+
+class Client;
 
 // What the Sender and the Receiver share: the connected socket they are loaded with, the
 // number of that connection, their last status code and where they report it: to their
@@ -22,7 +23,7 @@ public:
   SocketWorker(const char* setupLine, const char* shutdownLine);
   // Register before Start.
   void RobotEventRegister(EventCallback callback);
-  void ReportTo(ConnectionEvents& session);
+  void ReportTo(Client& session);
   // A connection of the worker's own numbering.
   void Load(int& socket);
   void Load(int socket, std::uint64_t connection);
@@ -46,7 +47,7 @@ protected:
 
 private:
   EventCallback eventCallback = nullptr;
-  ConnectionEvents* session = nullptr;
+  Client* session = nullptr;
 };
 
 #endif

@@ -123,20 +123,25 @@ TEST_F(ReceiverTest, FilesEveryMessageOfAReadAsSoonAsItCame) {
   EXPECT_EQ(RobotEvents::kSuccess, Collect("get_pose2", result, 1s));
 }
 
-// A reply whose name is already waiting is dropped; a server Error becomes an event, its code
-// read like strtol, and reading goes on.
-TEST_F(ReceiverTest, FilesRepliesByNameAndReportsServerErrors) {
+// The first reply of a name is kept until it is collected (kept on purpose).
+TEST_F(ReceiverTest, AReplyWhoseNameIsAlreadyFiledIsDropped) {
   ASSERT_TRUE(SendAsOneRead(Reply("4", "get_io", "1")));
   ASSERT_TRUE(SendAsOneRead(Reply("4", "get_io", "2")));
-  ASSERT_TRUE(SendAsOneRead(tavsim::ErrorMessage("7abc")));
   ASSERT_TRUE(SendAsOneRead(Reply("5", "recover")));
   Message result;
-  ASSERT_EQ(RobotEvents::kSuccess,
-            Collect("recover5", result));  // everything before it was handled
-  EXPECT_EQ(EventLog::WaitFor(1, 0ms), Events{7});
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("recover5", result));  // both were handled
   ASSERT_EQ(RobotEvents::kSuccess, worker.GetRecv("get_io4", result));
   EXPECT_EQ("1", result["state"]);
   EXPECT_EQ(RobotEvents::kNoReplyYet, worker.GetRecv("get_io4", result));
+}
+
+// Its code is read like strtol, and reading goes on.
+TEST_F(ReceiverTest, AServerErrorBecomesAnEventAndReadingGoesOn) {
+  ASSERT_TRUE(SendAsOneRead(tavsim::ErrorMessage("7abc")));
+  ASSERT_TRUE(SendAsOneRead(Reply("5", "recover")));
+  Message result;
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("recover5", result));
+  EXPECT_EQ(EventLog::WaitFor(1, 0ms), Events{7});
 }
 
 // The fault matrix covers a bad checksum, garbage and a closed or reset connection; these two
@@ -158,19 +163,23 @@ TEST_F(ReceiverTest, AnUnreadableMessageEndsTheConnectionUntilTheNextLoad) {
   }
 }
 
-// Only replies someone may still collect are kept: an entry left from before a request is
-// stale (the counter wrapped), and a reply whose caller gave up is dropped when it comes.
-TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
+// An entry left from before a request is stale: the request counter wrapped.
+TEST_F(ReceiverTest, AStaleReplyIsDroppedWhenItsNameIsAskedForAgain) {
   ASSERT_TRUE(
       SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}}) + Reply("8", "stop")));
   Message result;
   ASSERT_EQ(RobotEvents::kSuccess, Collect("stop8", result));  // filed after the stale one
-  const std::uint64_t ticket = worker.Replies().Expect("get_angles9");
+  worker.Replies().Expect("get_angles9");
   EXPECT_EQ(RobotEvents::kNoReplyYet, worker.GetRecv("get_angles9", result));
+}
 
+// A reply whose call gave up is dropped when it comes; the next of that name is kept.
+TEST_F(ReceiverTest, AReplyWhoseCallGaveUpNeverReachesALaterCaller) {
+  const std::uint64_t ticket = worker.Replies().Expect("get_angles9");
   worker.Replies().Abandon("get_angles9", ticket);
   ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}})));
   ASSERT_TRUE(SendAsOneRead(Reply("10", "stop")));
+  Message result;
   ASSERT_EQ(RobotEvents::kSuccess, Collect("stop10", result));
   EXPECT_EQ(RobotEvents::kNoReplyYet, worker.GetRecv("get_angles9", result))
       << "the late reply was dropped";
