@@ -12,6 +12,18 @@ Scope::~Scope() { installed = previous; }
 
 bool Installed() { return installed != nullptr; }
 
-bool Requested() { return installed != nullptr && installed(); }
+Watch::Watch() : due(std::chrono::steady_clock::now() + kCheckInterval) {}
+
+bool Watch::Requested() {
+  if (installed == nullptr) {
+    return false;
+  }
+  const auto now = std::chrono::steady_clock::now();
+  if (now < due) {
+    return false;
+  }
+  due = now + kCheckInterval;
+  return installed();
+}
 
 }  // namespace CallInterruption

@@ -25,8 +25,18 @@ private:
 };
 
 bool Installed();
-// Runs the installed check; false when there is none.
-bool Requested();
+
+// The check as one wait runs it: not before the wait has lasted kCheckInterval, and then once
+// an interval, so that a call that gets its reply at once never runs it.
+class Watch {
+public:
+  Watch();
+  // Runs the installed check if it is due; false when it is not, or there is none.
+  bool Requested();
+
+private:
+  std::chrono::steady_clock::time_point due;
+};
 
 }  // namespace CallInterruption
 

@@ -215,12 +215,13 @@ int Client::_exchangeAlone(Tasks& task, std::uint64_t connection, const std::str
                            std::uint64_t ticket, Reply& reply) {
   ReplyStore& replies = receiver.Replies();
   const SessionClock::TimePoint deadline = _deadline();
+  CallInterruption::Watch interruption;
   bool open = sender.SendNow(task, connection);
   for (;;) {
     if (replies.Take(name, reply) == RobotEvents::kSuccess) {
       return RobotEvents::kSuccess;
     }
-    int code = _stopWaiting(connection, deadline);
+    int code = _stopWaiting(connection, deadline, interruption);
     if (code == RobotEvents::kSuccess && !open) {
       code = RobotEvents::kReceiveFailed;
     }
@@ -238,6 +239,7 @@ int Client::_waitReply(std::uint64_t connection, const std::string& name, std::u
                        Reply& result) {
   ReplyStore& replies = receiver.Replies();
   const SessionClock::TimePoint deadline = _deadline();
+  CallInterruption::Watch interruption;
   const auto released = [&] {
     return status != RobotEvents::kSuccess || !_isOpen(connection) ||
            clock.load()->Now() >= deadline;
@@ -247,21 +249,22 @@ int Client::_waitReply(std::uint64_t connection, const std::string& name, std::u
     if (replies.Wait(name, result, released, wakeAt) == RobotEvents::kSuccess) {
       return RobotEvents::kSuccess;
     }
-    if (const int code = _stopWaiting(connection, deadline)) {
+    if (const int code = _stopWaiting(connection, deadline, interruption)) {
       replies.Abandon(name, ticket);
       return code;
     }
   }
 }
 
-int Client::_stopWaiting(std::uint64_t connection, SessionClock::TimePoint deadline) const {
+int Client::_stopWaiting(std::uint64_t connection, SessionClock::TimePoint deadline,
+                         CallInterruption::Watch& interruption) const {
   if (status != RobotEvents::kSuccess) {
     return status;
   }
   if (!_isOpen(connection)) {
     return RobotEvents::kReceiveFailed;
   }
-  if (clock.load()->Now() >= deadline || CallInterruption::Requested()) {
+  if (clock.load()->Now() >= deadline || interruption.Requested()) {
     return RobotEvents::kReplyTimeout;
   }
   return RobotEvents::kSuccess;

@@ -105,7 +105,8 @@ private:
   int _waitReply(std::uint64_t connection, const std::string& name, std::uint64_t ticket,
                  Reply& result);
   // Why a call that has no reply yet must stop waiting: its code, or 0 to go on.
-  int _stopWaiting(std::uint64_t connection, SessionClock::TimePoint deadline) const;
+  int _stopWaiting(std::uint64_t connection, SessionClock::TimePoint deadline,
+                   CallInterruption::Watch& interruption) const;
   SessionClock::TimePoint _deadline() const;
   // The steady-clock time by which a wait for `deadline` looks again.
   SessionClock::TimePoint _wakeAt(SessionClock::TimePoint deadline) const;

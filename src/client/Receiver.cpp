@@ -62,7 +62,7 @@ bool Receiver::ReadForCaller(std::uint64_t connection, std::chrono::milliseconds
 }
 
 void Receiver::HandBackReading() {
-  std::lock_guard<std::mutex> lock(readMutex);
+  std::lock_guard<std::mutex> lock(turnMutex);
   callerReads = false;
   if (threadWaits) {
     readingHandedBack.notify_one();
@@ -91,7 +91,7 @@ void Receiver::_loaded() {
 }
 
 void Receiver::_unloaded() {
-  std::lock_guard<std::mutex> lock(readMutex);
+  std::lock_guard<std::mutex> lock(turnMutex);
   readingHandedBack.notify_all();
 }
 
@@ -106,14 +106,17 @@ bool Receiver::_work() {
     }
     SocketCalls::WaitReadable(socketFd, -1, std::chrono::milliseconds(-1));
   }
-  std::unique_lock<std::mutex> lock(readMutex);
-  if (callerReads) {
-    threadWaits = true;
-    readingHandedBack.wait(lock, [this] { return !callerReads || !active; });
-    threadWaits = false;
-    return true;
+  if (!callerReads) {
+    std::lock_guard<std::mutex> lock(readMutex);
+    if (!callerReads) {
+      return _readLocked(connection);
+    }
   }
-  return _readLocked(connection);
+  std::unique_lock<std::mutex> lock(turnMutex);
+  threadWaits = true;
+  readingHandedBack.wait(lock, [this] { return !callerReads || !active; });
+  threadWaits = false;
+  return true;
 }
 
 bool Receiver::_readLocked(std::uint64_t connection) {

@@ -93,11 +93,14 @@ private:
   std::shared_mutex socketUse;
   // A call's Wake ends its wait for bytes.
   int wakeFd = -1;
-  // Held while reading and filing: the buffers, the parser and the log summaries below.
+  // Held while reading and filing: the buffers, the parser and the log summaries below. A call
+  // takes the turn under it, so the thread never reads once a call has taken it.
   std::mutex readMutex;
+  std::atomic<bool> callerReads{false};
+  // The thread waits here while a call reads, away from readMutex, which that call needs.
+  std::mutex turnMutex;
   std::condition_variable readingHandedBack;
-  bool callerReads = false;
-  bool threadWaits = false;
+  bool threadWaits = false;  // guarded by turnMutex
   char receiveBuffer[kReadSize] = {};
   MessageFramer framer;
   Parser parser;
