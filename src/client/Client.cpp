@@ -187,18 +187,14 @@ private:
 
 int Client::Exchange(Tasks task, const std::string& name,
                      std::map<std::string, std::string>& reply) {
-  std::uint64_t connection = 0;
-  std::uint64_t ticket = 0;
-  bool alone = false;
   std::unique_lock<std::mutex> lock(connectionMutex);
   if (const int code = _refusal()) {
     return code;
   }
-  connection = openConnection;
-  ticket = receiver.Replies().Expect(name);
+  const std::uint64_t connection = openConnection;
+  const std::uint64_t ticket = receiver.Replies().Expect(name);
   const CallInFlight call(callsInFlight);
-  alone = call.Alone() && receiver.TakeReading(connection);
-  if (!alone) {
+  if (!call.Alone() || !receiver.TakeReading(connection)) {
     sender.AddTask(std::move(task));
     lock.unlock();
     return _waitReply(connection, name, ticket, reply);
