@@ -214,6 +214,22 @@ TEST_F(ClientOnClockTest, AfterACallTheReceiverReadsWhatComesUnasked) {
   EXPECT_EQ(2002011, failed.get_future().get());
 }
 
+bool AlwaysInterrupted() { return true; }
+
+// A binding's check ends a wait in the store as a time-out would; the reading call goes on.
+TEST_F(ClientOnClockTest, AnInterruptionCheckEndsAWaitInTheStore) {
+  ASSERT_NO_FATAL_FAILURE(Connect());
+  tavsim::ClientMessage first;
+  call = StartCall("get_velocity", 3, first);
+  other = std::async(std::launch::async, [this] {
+    const CallInterruption::Scope interruptible(&AlwaysInterrupted);
+    return client.Exchange(CommandTask("get_current", 4), "get_current4", otherReply);
+  });
+  EXPECT_EQ(RobotEvents::kReplyTimeout, other.get());
+  ASSERT_TRUE(controller.Reply(first, "0", {{"result1", "0.1"}}));
+  EXPECT_EQ(RobotEvents::kSuccess, call.get());
+}
+
 // On the steady clock: a call alone waits in its read, one that overlaps in the store; neither
 // burns CPU while it waits, and both wake as soon as their reply is there.
 TEST(ClientTest, AWaitingCallBurnsNoCpuAndWakesWhenItsReplyComes) {
