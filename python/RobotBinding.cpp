@@ -21,14 +21,33 @@ using Reals = std::vector<double>;
 using Poses = std::vector<_Pose>;
 using Binding = py::class_<RobotSession>;
 
+// Set on the calling thread when a signal handler raised while its call waited.
+thread_local bool signalRaised = false;
+
+// Runs the Python signal handlers (Ctrl-C's KeyboardInterrupt among them) for a waiting call:
+// one that raises ends the wait, and its exception stays pending for Run to raise.
+bool SignalHandlerRaised() {
+  py::gil_scoped_acquire acquire;
+  if (PyErr_CheckSignals() != 0) {
+    signalRaised = true;
+  }
+  return signalRaised;
+}
+
 // Runs a call of the library with the GIL released, so that other Python threads run while it
-// waits, and raises RobotError for a non-zero code.
+// waits, and raises RobotError for a non-zero code. A signal handler that raises while the call
+// waits ends the call and its exception is raised instead; the reply is dropped when it comes.
 template <typename Call>
 void Run(Call&& call) {
   int code = 0;
+  signalRaised = false;
   {
+    const CallInterruption::Scope interruptible(&SignalHandlerRaised);
     py::gil_scoped_release release;
     code = call();
+  }
+  if (signalRaised) {
+    throw py::error_already_set();
   }
   Check(code);
 }

@@ -12,6 +12,7 @@
 #include <ctime>
 #include <utility>
 
+#include "client/SocketCalls.h"
 #include "common/TavLogger.h"
 #include "common/TavResource.h"
 
@@ -38,12 +39,11 @@ void PrintEventLine(Robot_Event event) {
 }  // namespace
 
 Client::Client() {
-  sender.RobotEventRegister(&Client::_eventCallback, this);
+  sender.ReportTo(*this);
   sender.Start();
-  receiver.RobotEventRegister(&Client::_eventCallback, this);
+  receiver.ReportTo(*this);
   receiver.Start();
-  heart.HeartEventRegister(&Client::_heartCallback, this);
-  heart.WatchdogRegister(&Client::_lastHeard, &Client::_silenceCallback);
+  heart.ReportTo(*this);
   heart.Start();
   // The resource status is not kept: a session starts healthy whatever the directories did.
   TavResource::GetInstance().Load();
@@ -56,18 +56,34 @@ Client::Client() {
 // be joined.
 Client::~Client() {
   FinalizeSocket();
+  clock.load()->Unsubscribe(this);
   heart.Stop();
   sender.Stop();
   receiver.Stop();
 }
 
+void Client::_useClock(SessionClock& newClock) {
+  clock.load()->Unsubscribe(this);
+  clock = &newClock;
+  heart.UseClock(newClock);
+  receiver.UseClock(newClock);
+  newClock.Subscribe(this, [this] {
+    _wakeWaits();
+    heart.Wake();
+  });
+}
+
 int Client::InitializeSocket(const char* ip, short port) {
-  // The workers are off the old connection once it is closed, and no report of theirs or of the
-  // watchdog is in flight: nothing of the old session can fail the new one.
+  // The old connection is closed, and an event listener still running for it has returned:
+  // nothing of the old session can fail the new one.
   FinalizeSocket();
-  receiver.Forget();
-  eventReported = false;
-  status = RobotEvents::kSuccess;
+  { std::lock_guard<std::mutex> listening(eventListenerMutex); }
+  receiver.Replies().Clear();
+  {
+    std::lock_guard<std::mutex> lock(reportMutex);
+    eventReported = false;
+    status = RobotEvents::kSuccess;
+  }
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(static_cast<std::uint16_t>(port));
@@ -78,18 +94,23 @@ int Client::InitializeSocket(const char* ip, short port) {
   if (fd < 0) {
     return RobotEvents::kSocketSetupFailed;
   }
-  if (::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+  if (SocketCalls::Connect(fd, &address, sizeof address) != 0) {
     ::close(fd);
-    _setStatus(RobotEvents::kConnectFailed);
+    _failSession(RobotEvents::kConnectFailed);
     return RobotEvents::kConnectFailed;
   }
   std::lock_guard<std::mutex> lock(connectionMutex);
   serverAddress = address;
   socketFd = fd;
-  sender.Load(socketFd);
-  receiver.Load(socketFd);
-  heart.Enable();
-  connected = true;
+  std::uint64_t connection = 0;
+  {
+    std::lock_guard<std::mutex> reporting(reportMutex);
+    connection = ++openConnection;
+    connected = true;
+  }
+  sender.Load(socketFd, connection);
+  receiver.Load(socketFd, connection);
+  heart.Enable(connection);
   return RobotEvents::kSuccess;
 }
 
@@ -98,15 +119,17 @@ int Client::FinalizeSocket() {
   if (socketFd < 0) {
     return RobotEvents::kSuccess;
   }
+  {
+    std::lock_guard<std::mutex> reporting(reportMutex);
+    connected = false;
+  }
   heart.Disable();
   sender.Unload();
   sender.ClearQueue();
   receiver.Unload();
-  connected = false;
-  ++closings;
-  receiver.WakeWaiters();
-  // The shutdown ends a socket call in progress; the workers must be off the descriptor before
-  // it is closed and its number can be handed out again.
+  _wakeWaits();
+  // The shutdown ends a socket call in progress; whoever made it must be off the descriptor
+  // before it is closed and its number can be handed out again.
   ::shutdown(socketFd, SHUT_RDWR);
   sender.WaitSocketReleased();
   receiver.WaitSocketReleased();
@@ -135,36 +158,131 @@ int Client::GetResult(std::string name, std::map<std::string, std::string>& resu
   if (status != RobotEvents::kSuccess) {
     return status;
   }
-  return _waitReply(closings, name, result, [this] { return !connected; });
+  if (!connected) {
+    return RobotEvents::kReceiveFailed;
+  }
+  const std::uint64_t connection = openConnection;
+  return _waitReply(connection, name, receiver.Replies().Watch(name), result);
 }
+
+namespace {
+
+// Counts a call from its start to its end.
+class CallInFlight {
+public:
+  explicit CallInFlight(std::atomic<int>& counter)
+      : calls(counter), first(counter.fetch_add(1) == 0) {}
+  ~CallInFlight() { calls.fetch_sub(1); }
+  CallInFlight(const CallInFlight&) = delete;
+  CallInFlight& operator=(const CallInFlight&) = delete;
+  // Whether no other call was in flight when this one started.
+  bool Alone() const { return first; }
+
+private:
+  std::atomic<int>& calls;
+  const bool first;
+};
+
+}  // namespace
 
 int Client::Exchange(Tasks task, const std::string& name,
                      std::map<std::string, std::string>& reply) {
-  std::uint64_t closing = 0;
-  {
-    std::lock_guard<std::mutex> lock(connectionMutex);
-    if (const int code = _refusal()) {
-      return code;
-    }
-    closing = closings;
-    receiver.Expect(name);
-    sender.AddTask(std::move(task));
+  std::unique_lock<std::mutex> lock(connectionMutex);
+  if (const int code = _refusal()) {
+    return code;
   }
-  return _waitReply(closing, name, reply, [] { return false; });
+  const std::uint64_t connection = openConnection;
+  const std::uint64_t ticket = receiver.Replies().Expect(name);
+  const CallInFlight call(callsInFlight);
+  if (!call.Alone() || !receiver.TakeReading(connection)) {
+    sender.AddTask(std::move(task));
+    lock.unlock();
+    return _waitReply(connection, name, ticket, reply);
+  }
+  lock.unlock();
+  const int code = _exchangeAlone(task, connection, name, ticket, reply);
+  receiver.HandBackReading();
+  return code;
 }
 
-int Client::_waitReply(std::uint64_t closing, const std::string& name, Reply& result,
-                       const std::function<bool()>& giveUp) {
-  const auto timeout = std::chrono::duration<double>(replyTimeoutSeconds.load());
-  const auto deadline =
-      Receiver::Clock::now() + std::chrono::duration_cast<Receiver::Clock::duration>(timeout);
-  const int found = receiver.WaitRecv(
-      name, result,
-      [&] { return status != RobotEvents::kSuccess || closings != closing || giveUp(); }, deadline);
-  if (found != RobotEvents::kNoReplyYet) {
-    return found;
+// Whatever else the call reads on its way (replies of calls that started meanwhile, heartbeat
+// replies, errors) is filed and reported as the Receiver thread would.
+int Client::_exchangeAlone(Tasks& task, std::uint64_t connection, const std::string& name,
+                           std::uint64_t ticket, Reply& reply) {
+  ReplyStore& replies = receiver.Replies();
+  const SessionClock::TimePoint deadline = _deadline();
+  CallInterruption::Watch interruption;
+  bool open = sender.SendNow(task, connection);
+  for (;;) {
+    if (replies.Take(name, reply) == RobotEvents::kSuccess) {
+      return RobotEvents::kSuccess;
+    }
+    int code = _stopWaiting(connection, deadline, interruption);
+    if (code == RobotEvents::kSuccess && !open) {
+      code = RobotEvents::kReceiveFailed;
+    }
+    if (code != RobotEvents::kSuccess) {
+      replies.Abandon(name, ticket);
+      return code;
+    }
+    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(std::max(
+        _wakeAt(deadline) - SessionClock::Steady::now(), SessionClock::Steady::duration::zero()));
+    open = receiver.ReadForCaller(connection, wait);
   }
-  return status != RobotEvents::kSuccess ? status.load() : RobotEvents::kReceiveFailed;
+}
+
+int Client::_waitReply(std::uint64_t connection, const std::string& name, std::uint64_t ticket,
+                       Reply& result) {
+  ReplyStore& replies = receiver.Replies();
+  const SessionClock::TimePoint deadline = _deadline();
+  CallInterruption::Watch interruption;
+  const auto released = [&] {
+    return status != RobotEvents::kSuccess || !_isOpen(connection) ||
+           clock.load()->Now() >= deadline;
+  };
+  const auto wakeAt = [&] { return _wakeAt(deadline); };
+  for (;;) {
+    if (replies.Wait(name, result, released, wakeAt) == RobotEvents::kSuccess) {
+      return RobotEvents::kSuccess;
+    }
+    if (const int code = _stopWaiting(connection, deadline, interruption)) {
+      replies.Abandon(name, ticket);
+      return code;
+    }
+  }
+}
+
+int Client::_stopWaiting(std::uint64_t connection, SessionClock::TimePoint deadline,
+                         CallInterruption::Watch& interruption) const {
+  if (status != RobotEvents::kSuccess) {
+    return status;
+  }
+  if (!_isOpen(connection)) {
+    return RobotEvents::kReceiveFailed;
+  }
+  if (clock.load()->Now() >= deadline || interruption.Requested()) {
+    return RobotEvents::kReplyTimeout;
+  }
+  return RobotEvents::kSuccess;
+}
+
+// An installed interruption check runs at least every interval.
+SessionClock::TimePoint Client::_wakeAt(SessionClock::TimePoint deadline) const {
+  const SessionClock::TimePoint wakeAt = clock.load()->WakeAt(deadline);
+  if (!CallInterruption::Installed()) {
+    return wakeAt;
+  }
+  return std::min(wakeAt, SessionClock::Steady::now() + CallInterruption::kCheckInterval);
+}
+
+SessionClock::TimePoint Client::_deadline() const {
+  return clock.load()->Now() + std::chrono::duration_cast<SessionClock::Steady::duration>(
+                                   std::chrono::duration<double>(replyTimeoutSeconds.load()));
+}
+
+void Client::_wakeWaits() {
+  receiver.Replies().WakeAll();
+  receiver.Wake();
 }
 
 int Client::SetReplyTimeout(double seconds) {
@@ -204,29 +322,34 @@ int Client::_loadLocalSystemInfo() {
   return RobotEvents::kSuccess;
 }
 
-void Client::_setStatus(Robot_Event event) {
-  status = event;
-  receiver.WakeWaiters();
+// A failed connect has no connection to name.
+void Client::_failSession(Robot_Event event) {
+  {
+    std::lock_guard<std::mutex> lock(reportMutex);
+    eventReported = true;
+    status = event;
+  }
+  _wakeWaits();
 }
 
-// The first event fails the session until the next login; a later one follows from it (a reset
-// meets the Receiver in its read and the Sender in its send) and is left to its worker's log line,
-// so the code that calls have returned stays the session's. Printed before the status is set, so
-// whoever sees the status also finds the line.
-void Client::_eventCallback(Robot_Event event, void* client) {
-  Client* session = static_cast<Client*>(client);
-  if (session->eventReported.exchange(true)) {
-    return;
-  }
-  PrintEventLine(event);
-  session->_setStatus(event);
-  std::function<void(int)> listener;
+// The first event of the open connection fails the session until the next login; a later one
+// follows from it (a reset meets the reader in its read and the Sender in its write) and is
+// left to its worker's log line, so the code that calls have returned stays the session's.
+// Printed before the status is set, so whoever sees the status also finds the line.
+void Client::_eventCallback(std::uint64_t connection, Robot_Event event) {
   {
-    std::lock_guard<std::mutex> lock(session->eventListenerMutex);
-    listener = session->eventListener;
+    std::lock_guard<std::mutex> lock(reportMutex);
+    if (!_isOpen(connection) || eventReported) {
+      return;
+    }
+    eventReported = true;
+    PrintEventLine(event);
+    status = event;
   }
-  if (listener) {
-    listener(event);
+  _wakeWaits();
+  std::lock_guard<std::mutex> listening(eventListenerMutex);
+  if (eventListener) {
+    eventListener(event);
   }
 }
 
@@ -237,22 +360,13 @@ void Client::SetEventCallback(std::function<void(int)> callback) {
 
 // A heartbeat is not waited for: the watchdog listens for whatever the controller sends. The
 // reply of the previous one, if it is still filed, is dropped, so at most one is kept.
-void Client::_heartCallback(void* context) {
-  Client* client = static_cast<Client*>(context);
-  std::lock_guard<std::mutex> lock(client->connectionMutex);
-  if (client->_refusal() != RobotEvents::kSuccess) {
+void Client::_heartCallback() {
+  std::lock_guard<std::mutex> lock(connectionMutex);
+  if (_refusal() != RobotEvents::kSuccess) {
     return;
   }
-  client->receiver.Expect("heart");
-  client->sender.AddTask(Tasks{Tasks::kHeartbeat, {}});
+  receiver.Replies().Expect("heart");
+  sender.AddTask(Tasks{Tasks::kHeartbeat, {}});
 }
 
-void Client::_silenceCallback(void* context) {
-  TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kControllerSilent,
-                                 "Heart thread: the controller fell silent.");
-  _eventCallback(RobotEvents::kControllerSilent, context);
-}
-
-Heart::Clock::time_point Client::_lastHeard(void* context) {
-  return static_cast<Client*>(context)->receiver.LastArrival();
-}
+SessionClock::TimePoint Client::_lastHeard() { return receiver.LastArrival(); }

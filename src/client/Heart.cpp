@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <mutex>
 
+#include "client/Client.h"
 #include "common/TavLogger.h"
 
 Heart::Heart() : WorkerThread("Heart thread setup succeed.", "Heart thread shutdown succeed.") {}
@@ -13,21 +14,11 @@ Heart::~Heart() {
   Join();
 }
 
-void Heart::HeartEventRegister(void (*callback)()) {
-  heartCallback = callback;
-  contextHeartCallback = nullptr;
-}
+void Heart::HeartEventRegister(void (*callback)()) { heartCallback = callback; }
 
-void Heart::HeartEventRegister(void (*callback)(void*), void* context) {
-  contextHeartCallback = callback;
-  heartContext = context;
-  heartCallback = nullptr;
-}
+void Heart::ReportTo(Client& owner) { session = &owner; }
 
-void Heart::WatchdogRegister(Clock::time_point (*lastHeard)(void*), void (*fellSilent)(void*)) {
-  lastHeardCallback = lastHeard;
-  fellSilentCallback = fellSilent;
-}
+void Heart::UseClock(SessionClock& newClock) { clock = &newClock; }
 
 void Heart::SetTiming(Clock::duration newPeriod, Clock::duration newSilenceLimit) {
   period = newPeriod.count();
@@ -35,16 +26,31 @@ void Heart::SetTiming(Clock::duration newPeriod, Clock::duration newSilenceLimit
 }
 
 void Heart::Enable() {
+  std::uint64_t next = 0;
+  {
+    std::lock_guard<std::mutex> lock(flagMutex);
+    next = enabledFor + 1;
+  }
+  Enable(next);
+}
+
+void Heart::Enable(std::uint64_t connection) {
   {
     std::lock_guard<std::mutex> lock(flagMutex);
     active = true;
-    ++enableCount;
-    enabledAt = Clock::now();
+    enabledFor = connection;
+    enabledAt = clock.load()->Now();
+    periodStart = enabledAt;
   }
   flagChanged.notify_all();
 }
 
 void Heart::Disable() { _setActive(false); }
+
+void Heart::Wake() {
+  std::lock_guard<std::mutex> lock(flagMutex);
+  flagChanged.notify_all();
+}
 
 void Heart::Stop() {
   _requestStop();
@@ -52,38 +58,44 @@ void Heart::Stop() {
 }
 
 void Heart::_eventCall() {
-  if (contextHeartCallback != nullptr) {
-    contextHeartCallback(heartContext);
+  if (session != nullptr) {
+    session->_heartCallback();
   } else if (heartCallback != nullptr) {
     heartCallback();
   }
 }
 
 Heart::Clock::time_point Heart::_silentAt() const {
-  if (lastHeardCallback == nullptr || fellSilentCallback == nullptr) {
+  if (session == nullptr) {
     return Clock::time_point::max();
   }
-  return std::max(enabledAt, lastHeardCallback(heartContext)) +
-         Clock::duration(silenceLimit.load());
+  return std::max(enabledAt, session->_lastHeard()) + Clock::duration(silenceLimit.load());
 }
 
 // Arrivals do not wake the heart: at the silence deadline it looks again and, if something
 // came meanwhile, sleeps on to the new one.
 bool Heart::_work() {
+  const SessionClock& time = *clock.load();
   std::unique_lock<std::mutex> lock(flagMutex);
-  const std::uint64_t periodOf = enableCount;
-  const auto beatAt = Clock::now() + Clock::duration(period.load());
-  const auto interrupted = [&] { return !active || enableCount != periodOf; };
+  const std::uint64_t connection = enabledFor;
+  const auto beatAt = periodStart + Clock::duration(period.load());
+  const auto interrupted = [&] { return !active || enabledFor != connection; };
   for (;;) {
-    if (flagChanged.wait_until(lock, std::min(beatAt, _silentAt()), interrupted)) {
+    // One wait per round, so that every wake-up looks at the clock and the deadlines again.
+    const auto due = std::min(beatAt, _silentAt());
+    if (!interrupted() && time.Now() < due) {
+      flagChanged.wait_until(lock, time.WakeAt(due));
+    }
+    if (interrupted()) {
       return true;
     }
-    const auto now = Clock::now();
+    const auto now = time.Now();
     if (now >= _silentAt()) {
-      // Called under the flag lock, so a Disable returns only once the report is made: it
-      // can never land in the connection that follows.
       active = false;
-      fellSilentCallback(heartContext);
+      lock.unlock();
+      TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kControllerSilent,
+                                     "Heart thread: the controller fell silent.");
+      session->_eventCallback(connection, RobotEvents::kControllerSilent);
       return false;
     }
     if (now >= beatAt) {
@@ -93,5 +105,9 @@ bool Heart::_work() {
   lock.unlock();
   TavLogger::GetInstance().Info("Heartbeat.");
   _eventCall();
+  lock.lock();
+  if (!interrupted()) {
+    periodStart = time.Now();
+  }
   return true;
 }

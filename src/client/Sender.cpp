@@ -1,11 +1,8 @@
 #include "client/Sender.h"
 
-#include <sys/socket.h>
-#include <sys/types.h>
-
-#include <cstdint>
 #include <utility>
 
+#include "client/SocketCalls.h"
 #include "common/TavLogger.h"
 
 Sender::Sender()
@@ -24,7 +21,7 @@ Sender::~Sender() {
 void Sender::AddTask(Tasks task) {
   {
     std::lock_guard<std::mutex> lock(queueMutex);
-    queue.push_back(std::move(task));
+    queue.push_back(Queued{loadedConnection, std::move(task)});
   }
   taskQueued.notify_one();
 }
@@ -34,44 +31,51 @@ void Sender::ClearQueue() {
   queue.clear();
 }
 
+bool Sender::SendNow(Tasks& task, std::uint64_t connection) {
+  return _write(connection, _buildMessage(task));
+}
+
+void Sender::WaitSocketReleased() { std::lock_guard<std::mutex> lock(writing); }
+
 void Sender::Stop() { _requestStop(); }
 
 bool Sender::_work() {
   if (!running) {
     return false;
   }
-  Tasks task;
+  Queued next;
   {
     std::unique_lock<std::mutex> lock(queueMutex);
     taskQueued.wait(lock, [this] { return closing || !queue.empty(); });
     if (closing) {
       return false;
     }
-    task = std::move(queue.front());
+    next = std::move(queue.front());
     queue.pop_front();
   }
-  ssize_t sent = 0;
-  std::uint64_t load = 0;
+  if (!_isCurrent(next.connection)) {
+    return active;
+  }
+  return _write(next.connection, _buildMessage(next.task));
+}
+
+bool Sender::_write(std::uint64_t connection, const std::string& text) {
   {
-    std::lock_guard<std::mutex> lock(socketUse);
-    if (!active) {
+    std::lock_guard<std::mutex> lock(writing);
+    if (!_isCurrent(connection)) {
       return false;
     }
-    load = loads;
-    const std::string text = _buildMessage(task);
-    sent = ::send(socketFd, text.data(), text.size(), MSG_NOSIGNAL);
+    if (SocketCalls::WriteAll(socketFd, text.data(), text.size())) {
+      return true;
+    }
   }
-  // A send cut short by a logout belongs to a connection that is already gone.
-  if (sent == -1 && !_isCurrent(load)) {
-    return false;
-  }
-  if (sent == -1) {
+  // A write cut short by a logout belongs to a connection that is already gone.
+  if (_isCurrent(connection)) {
     TavLogger::GetInstance().Error(TAV_ERROR, RobotEvents::kSendFailed,
                                    "Sender thread send failed.");
-    _report(load, RobotEvents::kSendFailed, true);
-    return false;
+    _report(connection, RobotEvents::kSendFailed, true);
   }
-  return true;
+  return false;
 }
 
 std::string Sender::_buildMessage(Tasks& task) {

@@ -1,50 +1,57 @@
 #include "client/SocketWorker.h"
 
+#include <mutex>
+
+#include "client/Client.h"
+
 SocketWorker::SocketWorker(const char* setup, const char* shutdown)
     : WorkerThread(setup, shutdown) {}
 
-void SocketWorker::RobotEventRegister(EventCallback callback) {
-  eventCallback = callback;
-  contextEventCallback = nullptr;
-}
+void SocketWorker::RobotEventRegister(EventCallback callback) { eventCallback = callback; }
 
-void SocketWorker::RobotEventRegister(ContextEventCallback callback, void* context) {
-  contextEventCallback = callback;
-  eventContext = context;
-  eventCallback = nullptr;
-}
+void SocketWorker::ReportTo(Client& owner) { session = &owner; }
 
-void SocketWorker::Load(int& socket) {
-  std::lock_guard<std::mutex> lock(reportMutex);
-  socketFd = socket;
-  ++loads;
-  _setActive(true);
+void SocketWorker::Load(int& socket) { Load(socket, loadedConnection + 1); }
+
+void SocketWorker::Load(int socket, std::uint64_t connection) {
+  {
+    std::lock_guard<std::mutex> lock(flagMutex);
+    socketFd = socket;
+    loadedConnection = connection;
+    active = true;
+  }
+  flagChanged.notify_all();
+  _loaded();
 }
 
 void SocketWorker::Unload() {
-  std::lock_guard<std::mutex> lock(reportMutex);
   _setActive(false);
+  _unloaded();
 }
 
-void SocketWorker::WaitSocketReleased() { std::lock_guard<std::mutex> lock(socketUse); }
-
 void SocketWorker::_eventCall() {
-  if (contextEventCallback != nullptr) {
-    contextEventCallback(status, eventContext);
+  if (session != nullptr) {
+    session->_eventCallback(loadedConnection, status);
   } else if (eventCallback != nullptr) {
     eventCallback(status);
   }
 }
 
-bool SocketWorker::_report(std::uint64_t load, Robot_Event event, bool endsConnection) {
-  std::lock_guard<std::mutex> lock(reportMutex);
-  if (!_isCurrent(load)) {
-    return false;
+void SocketWorker::_report(std::uint64_t connection, Robot_Event event, bool endsConnection) {
+  {
+    std::lock_guard<std::mutex> lock(flagMutex);
+    if (!_isCurrent(connection)) {
+      return;
+    }
+    if (endsConnection) {
+      active = false;
+    }
   }
-  if (endsConnection) {
-    _setActive(false);
-  }
+  flagChanged.notify_all();
   status = event;
-  _eventCall();
-  return true;
+  if (session != nullptr) {
+    session->_eventCallback(connection, event);
+  } else if (eventCallback != nullptr) {
+    eventCallback(event);
+  }
 }

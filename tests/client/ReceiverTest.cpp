@@ -99,8 +99,14 @@ protected:
   }
 
   int Collect(const std::string& name, Message& result, std::chrono::milliseconds wait = 5s) {
-    return worker.WaitRecv(
-        name, result, [] { return false; }, Receiver::Clock::now() + wait);
+    const auto deadline = Receiver::Clock::now() + wait;
+    while (Receiver::Clock::now() < deadline) {
+      if (worker.Replies().Wait(
+              name, result, [] { return false; }, [deadline] { return deadline; }) == 0) {
+        return RobotEvents::kSuccess;
+      }
+    }
+    return RobotEvents::kReplyTimeout;
   }
 
   tavtest::ScriptedController controller;
@@ -117,20 +123,25 @@ TEST_F(ReceiverTest, FilesEveryMessageOfAReadAsSoonAsItCame) {
   EXPECT_EQ(RobotEvents::kSuccess, Collect("get_pose2", result, 1s));
 }
 
-// A reply whose name is already waiting is dropped; a server Error becomes an event, its code
-// read like strtol, and reading goes on.
-TEST_F(ReceiverTest, FilesRepliesByNameAndReportsServerErrors) {
+// The first reply of a name is kept until it is collected (kept on purpose).
+TEST_F(ReceiverTest, AReplyWhoseNameIsAlreadyFiledIsDropped) {
   ASSERT_TRUE(SendAsOneRead(Reply("4", "get_io", "1")));
   ASSERT_TRUE(SendAsOneRead(Reply("4", "get_io", "2")));
-  ASSERT_TRUE(SendAsOneRead(tavsim::ErrorMessage("7abc")));
   ASSERT_TRUE(SendAsOneRead(Reply("5", "recover")));
   Message result;
-  ASSERT_EQ(RobotEvents::kSuccess,
-            Collect("recover5", result));  // everything before it was handled
-  EXPECT_EQ(EventLog::WaitFor(1, 0ms), Events{7});
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("recover5", result));  // both were handled
   ASSERT_EQ(RobotEvents::kSuccess, worker.GetRecv("get_io4", result));
   EXPECT_EQ("1", result["state"]);
   EXPECT_EQ(RobotEvents::kNoReplyYet, worker.GetRecv("get_io4", result));
+}
+
+// Its code is read like strtol, and reading goes on.
+TEST_F(ReceiverTest, AServerErrorBecomesAnEventAndReadingGoesOn) {
+  ASSERT_TRUE(SendAsOneRead(tavsim::ErrorMessage("7abc")));
+  ASSERT_TRUE(SendAsOneRead(Reply("5", "recover")));
+  Message result;
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("recover5", result));
+  EXPECT_EQ(EventLog::WaitFor(1, 0ms), Events{7});
 }
 
 // The fault matrix covers a bad checksum, garbage and a closed or reset connection; these two
@@ -152,19 +163,23 @@ TEST_F(ReceiverTest, AnUnreadableMessageEndsTheConnectionUntilTheNextLoad) {
   }
 }
 
-// Only replies someone may still collect are kept: an entry left from before a request is
-// stale (the counter wrapped), and a reply whose caller gave up is dropped when it comes.
-TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
+// An entry left from before a request is stale: the request counter wrapped.
+TEST_F(ReceiverTest, AStaleReplyIsDroppedWhenItsNameIsAskedForAgain) {
   ASSERT_TRUE(
       SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}}) + Reply("8", "stop")));
   Message result;
   ASSERT_EQ(RobotEvents::kSuccess, Collect("stop8", result));  // filed after the stale one
-  worker.Expect("get_angles9");
+  worker.Replies().Expect("get_angles9");
   EXPECT_EQ(RobotEvents::kNoReplyYet, worker.GetRecv("get_angles9", result));
+}
 
-  EXPECT_EQ(RobotEvents::kReplyTimeout, Collect("get_angles9", result, 50ms));
+// A reply whose call gave up is dropped when it comes; the next of that name is kept.
+TEST_F(ReceiverTest, AReplyWhoseCallGaveUpNeverReachesALaterCaller) {
+  const std::uint64_t ticket = worker.Replies().Expect("get_angles9");
+  worker.Replies().Abandon("get_angles9", ticket);
   ASSERT_TRUE(SendAsOneRead(Reply("9", "get_angles", "0", {{"result1", "666"}})));
   ASSERT_TRUE(SendAsOneRead(Reply("10", "stop")));
+  Message result;
   ASSERT_EQ(RobotEvents::kSuccess, Collect("stop10", result));
   EXPECT_EQ(RobotEvents::kNoReplyYet, worker.GetRecv("get_angles9", result))
       << "the late reply was dropped";
@@ -173,18 +188,20 @@ TEST_F(ReceiverTest, StaleAndAbandonedRepliesNeverReachALaterCaller) {
   EXPECT_EQ("1", result["result1"]) << "the next reply of that name is kept";
 }
 
-TEST_F(ReceiverTest, AFloodOfUnaskedRepliesIsCappedLogsAFewCountedLinesAndLeavesTheSessionUsable) {
-  ASSERT_EQ(TavResource::GetInstance().Load(), 0);
-  TavLogger::GetInstance().StartLogging();
-  TavLogger::GetInstance().Info("flood from");
-  constexpr int kFlood = 20000;
+// 20,000 replies nobody asked for, then garbage, then the reply of a call.
+constexpr int kFlood = 20000;
+AssertionResult SendFlood(tavtest::ScriptedController& controller, Receiver& worker) {
   std::string flood;
   for (int i = 0; i < kFlood; ++i) {
     flood += Reply(std::to_string(i), "stop");
   }
-  ASSERT_TRUE(controller.Send(flood + "garbage"));
-  worker.Expect("recover99999");
-  ASSERT_TRUE(controller.Send(Reply("99999", "recover")));
+  AssertionResult sent = controller.Send(flood + "garbage");
+  worker.Replies().Expect("recover99999");
+  return sent ? controller.Send(Reply("99999", "recover")) : sent;
+}
+
+TEST_F(ReceiverTest, AFloodOfUnaskedRepliesKeepsTheNewestAndTheCallStillGetsItsReply) {
+  ASSERT_TRUE(SendFlood(controller, worker));
   Message result;
   EXPECT_EQ(RobotEvents::kSuccess, Collect("recover99999", result, 20s));
   const int firstKept = kFlood - static_cast<int>(Receiver::kMaxUnclaimedReplies) + 1;
@@ -192,6 +209,15 @@ TEST_F(ReceiverTest, AFloodOfUnaskedRepliesIsCappedLogsAFewCountedLinesAndLeaves
             worker.GetRecv("stop" + std::to_string(firstKept - 1), result))
       << "the store keeps the newest";
   EXPECT_EQ(RobotEvents::kSuccess, worker.GetRecv("stop" + std::to_string(firstKept), result));
+}
+
+TEST_F(ReceiverTest, AFloodOfUnaskedRepliesIsLoggedInAFewCountedLines) {
+  ASSERT_EQ(TavResource::GetInstance().Load(), 0);
+  TavLogger::GetInstance().StartLogging();
+  TavLogger::GetInstance().Info("flood from");
+  ASSERT_TRUE(SendFlood(controller, worker));
+  Message result;
+  ASSERT_EQ(RobotEvents::kSuccess, Collect("recover99999", result, 20s));
   controller.Close();  // the Receiver logs the counts it holds when the connection ends
   ASSERT_EQ(EventLog::WaitFor(1), Events{RobotEvents::kReceiveFailed});
 

@@ -1,7 +1,10 @@
 import gc
+import os
 import re
+import signal
 import socket
 import threading
+import time
 
 import pytest
 import tavclient
@@ -98,6 +101,32 @@ def test_logout_from_another_thread_releases_a_waiting_call(robot, simulator):
     robot.RobotLogout()
     waiting.join(10)
     assert outcome == [1002011]
+
+
+def test_ctrl_c_ends_a_waiting_call_and_the_session_goes_on(robot):
+    # A move of about 34 s: the wait for it is still under way when SIGINT comes.
+    robot.move_to_angles(1, 170.0, 5.0, 60.0, Relative_Mode.Absolute)
+    sent = []
+
+    def interrupt():
+        sent.append(time.monotonic())
+        os.kill(os.getpid(), signal.SIGINT)
+
+    timer = threading.Timer(0.3, interrupt)
+    timer.start()
+    try:
+        with pytest.raises(KeyboardInterrupt):
+            robot.wait_for_motors(1)
+        raised = time.monotonic()
+    finally:
+        timer.cancel()
+        robot.stop()
+    # A hang guard only: the wait looks at signals every 50 ms.
+    assert raised - sent[0] < 2.0, f"KeyboardInterrupt {raised - sent[0]:.3f} s after SIGINT"
+    # The late reply of the interrupted wait is dropped; every later call gets its own.
+    robot.wait_for_motors(1)
+    assert robot.get_angles(1) < 170.0
+    assert robot.get_motor_ids() == [1, 2, 3, 4, 5, 6]
 
 
 def test_the_event_callback_gets_the_code_that_fails_the_session(robot, simulator):
