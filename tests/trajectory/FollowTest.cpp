@@ -215,10 +215,14 @@ TEST_F(FollowerFixture, WithoutFreshStateTheArmStillKeepsToThePath) {
   monitor->Stop();
   const FollowResult result = running.get();
   EXPECT_EQ(result.outcome, FollowOutcome::GoalToleranceExceeded);
-  // Every joint's path runs one way only: the arm never turned back.
+  // Every joint's path runs one way only: the arm never turned back by more than a late
+  // cycle's way (a loaded machine delays cycles, and a joint then corrects a little).
+  std::vector<double> farthest(6, -1e9);
   for (const auto& sample : watcher.Samples()) {
-    for (std::size_t j = 0; j < sample.velocities.size(); ++j) {
-      EXPECT_GT(sample.velocities[j] * (tavtest::kReach[j] > 0 ? 1.0 : -1.0), -5.0) << j + 1;
+    for (std::size_t j = 0; j < sample.angles.size() && j < farthest.size(); ++j) {
+      const double along = sample.angles[j] * (tavtest::kReach[j] > 0 ? 1.0 : -1.0);
+      farthest[j] = std::max(farthest[j], along);
+      EXPECT_GT(along, farthest[j] - 1.0) << j + 1;
     }
   }
   const auto angles = Angles();
