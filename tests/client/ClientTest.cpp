@@ -72,6 +72,21 @@ protected:
     ASSERT_TRUE(clock.AwaitWaitFor(deadline, asked + 1)) << "the wait looked again";
   }
 
+  // A heartbeat goes out at `deadline`, not a nanosecond before.
+  void ExpectHeartAt(SessionClock::TimePoint deadline) {
+    ASSERT_NO_FATAL_FAILURE(AdvanceToJustBefore(deadline));
+    clock.Advance(1ns);
+    EXPECT_TRUE(controller.ReceiveHeart());
+  }
+
+  // `waiting` ends with a time-out at `deadline`, not a nanosecond before.
+  void ExpectTimeoutAt(SessionClock::TimePoint deadline, std::future<int>& waiting) {
+    ASSERT_NO_FATAL_FAILURE(AdvanceToJustBefore(deadline));
+    EXPECT_EQ(std::future_status::timeout, waiting.wait_for(0s));
+    clock.Advance(1ns);
+    EXPECT_EQ(RobotEvents::kReplyTimeout, waiting.get());
+  }
+
   tavtest::ManualClock clock;
   tavtest::ScriptedController controller;
   std::promise<int> failed;
@@ -91,9 +106,7 @@ TEST_F(ClientOnClockTest, RefusedHeartbeatSettingsKeepTheNineSecondPeriod) {
         << period << ", " << limit;
   }
   ASSERT_NO_FATAL_FAILURE(Connect());
-  ASSERT_NO_FATAL_FAILURE(AdvanceToJustBefore(start + 9s));
-  clock.Advance(1ns);
-  EXPECT_TRUE(controller.ReceiveHeart());
+  ExpectHeartAt(start + 9s);
 }
 
 TEST_F(ClientOnClockTest, RefusedReplyTimeoutsKeepTheHourLongBound) {
@@ -104,21 +117,15 @@ TEST_F(ClientOnClockTest, RefusedReplyTimeoutsKeepTheHourLongBound) {
   ASSERT_NO_FATAL_FAILURE(Connect());
   tavsim::ClientMessage command;
   call = StartCall("get_velocity", 3, command);
-  ASSERT_NO_FATAL_FAILURE(AdvanceToJustBefore(start + 3600s));
-  clock.Advance(1ns);
-  EXPECT_EQ(RobotEvents::kReplyTimeout, call.get());
+  ExpectTimeoutAt(start + 3600s, call);
 }
 
 // The period runs from the end of the last beat; the controller need not answer one.
 TEST_F(ClientOnClockTest, TheHeartBeatsAtTheEndOfEveryPeriod) {
   ASSERT_EQ(RobotEvents::kSuccess, client.SetHeartbeat(2, 100));
   ASSERT_NO_FATAL_FAILURE(Connect());
-  ASSERT_NO_FATAL_FAILURE(AdvanceToJustBefore(start + 2s));
-  clock.Advance(1ns);
-  ASSERT_TRUE(controller.ReceiveHeart());
-  ASSERT_NO_FATAL_FAILURE(AdvanceToJustBefore(start + 4s));
-  clock.Advance(1ns);
-  EXPECT_TRUE(controller.ReceiveHeart());
+  ASSERT_NO_FATAL_FAILURE(ExpectHeartAt(start + 2s));
+  ExpectHeartAt(start + 4s);
 }
 
 TEST_F(ClientOnClockTest, TheSessionFailsWhenTheControllerIsSilentForExactlyTheLimit) {
@@ -145,10 +152,7 @@ TEST_F(ClientOnClockTest, AReplyTimeoutEndsACallAtExactlyItsBound) {
   ASSERT_EQ(RobotEvents::kSuccess, client.SetReplyTimeout(5));
   tavsim::ClientMessage late;
   call = StartCall("get_velocity", 3, late);
-  ASSERT_NO_FATAL_FAILURE(AdvanceToJustBefore(start + 5s));
-  EXPECT_EQ(std::future_status::timeout, call.wait_for(0s));
-  clock.Advance(1ns);
-  EXPECT_EQ(RobotEvents::kReplyTimeout, call.get());
+  ASSERT_NO_FATAL_FAILURE(ExpectTimeoutAt(start + 5s, call));
 
   ASSERT_TRUE(controller.Reply(late, "0", {{"result1", "0.5"}}));
   tavsim::ClientMessage next;
@@ -166,10 +170,7 @@ TEST_F(ClientOnClockTest, AReplyTimeoutEndsAWaitInTheStoreAtExactlyItsBound) {
   ASSERT_TRUE(controller.ReceiveCommand("get_velocity", command));
   call =
       std::async(std::launch::async, [this] { return client.GetResult("get_velocity3", reply); });
-  ASSERT_NO_FATAL_FAILURE(AdvanceToJustBefore(start + 5s));
-  EXPECT_EQ(std::future_status::timeout, call.wait_for(0s));
-  clock.Advance(1ns);
-  EXPECT_EQ(RobotEvents::kReplyTimeout, call.get());
+  ExpectTimeoutAt(start + 5s, call);
 }
 
 // Beyond the cap a bound would overflow the clock and end every wait at once.

@@ -9,9 +9,8 @@ import urllib.request
 
 import pytest
 import tavclient
+from conftest import CHANNEL
 from tavclient import Relative_Mode, Setup_Mode
-
-CHANNEL = ("can0", "can", "canopen", 1, 500000)
 
 CHROMIUM = "/usr/bin/chromium"
 TOUR = [[20, -70, 60, -80, -90, 10], [-30, -100, 110, -60, -45, 90], [0, -90, 90, -90, -90, 0]]

@@ -96,17 +96,12 @@ TEST_F(RobotOnSimulatorTest, TheGrippersActionShowsOnItsSensor) {
   EXPECT_EQ(robot.set_EOAT_action("gripper", "explode"), 2001071);
 }
 
-TEST_F(RobotOnSimulatorTest, APendingWaitHoldsUpNoOtherCaller) {
+TEST_F(RobotOnSimulatorTest, APendingWaitHoldsUpNoOtherCallerAndStopEndsItWithItsCode) {
   std::future<int> waiting = WaitForASlowMove();
   double angle = 0.0;
   ASSERT_EQ(robot.get_angles(1, angle), 0);
   EXPECT_EQ(waiting.wait_for(0ms), std::future_status::timeout)
       << "the query was answered while the wait pends";
-  ASSERT_EQ(robot.stop(), 0);
-}
-
-TEST_F(RobotOnSimulatorTest, StopEndsAPendingWaitWithItsCode) {
-  std::future<int> waiting = WaitForASlowMove();
   ASSERT_EQ(robot.stop(), 0);
   EXPECT_EQ(waiting.get(), kMotionInterrupted);
 }

@@ -35,12 +35,6 @@ protected:
     return query("forward", {{"angles", "[" + fixed(joints, 0, joints.size()) + "]"}});
   }
   std::vector<double> angles() { return query("get_angles", motors(kAllMotors)); }
-  static Params path(const std::string& points, const std::string& velocity,
-                     const std::string& acceleration, const std::string& closed = "0") {
-    return {{"points", points},       {"radius", "[0.000000]"},
-            {"velocity", velocity},   {"acceleration", acceleration},
-            {"interval", "0.000000"}, {"closed", closed}};
-  }
 };
 
 TEST_F(Cartesian, LinearMoveKeepsTheToolOnTheLineAndTakesItsTime) {
@@ -49,7 +43,7 @@ TEST_F(Cartesian, LinearMoveKeepsTheToolOnTheLineAndTakesItsTime) {
   target[0] += 0.15;
   target[2] -= 0.10;
   target[5] += 0.3;
-  ASSERT_EQ(state("moveL", path("[" + poseText(target) + "]", "0.100000", "0.200000")),
+  ASSERT_EQ(state("moveL", pathParams("[" + poseText(target) + "]", "0.100000", "0.200000")),
             StateCodes::kOk);
   // 0.18 m at 0.1 m/s with 0.2 m/s^2 ramps: 0.5 s up, 0.5 s down, 1.3 s cruise.
   const double length = std::hypot(0.15, 0.10);
@@ -73,9 +67,9 @@ TEST_F(Cartesian, LinearMoveKeepsTheToolOnTheLineAndTakesItsTime) {
 TEST_F(Cartesian, JointPathVisitsEachPointAndClosedReturnsToTheFirst) {
   const std::vector<double> first = forwardOf({10, -80, 80, -90, -90, 0});
   const std::vector<double> second = forwardOf({-10, -100, 100, -90, -90, 20});
-  ASSERT_EQ(
-      state("moveJ", path("[" + poseText(first) + "," + poseText(second) + "]", "60", "120", "1")),
-      StateCodes::kOk);
+  ASSERT_EQ(state("moveJ", pathParams("[" + poseText(first) + "," + poseText(second) + "]", "60",
+                                      "120", "1")),
+            StateCodes::kOk);
   bool visitedFirst = false, visitedSecond = false;
   for (int step = 0; step < 400; ++step) {
     clock->Advance(0.01);
@@ -92,8 +86,9 @@ TEST_F(Cartesian, ProcessMoveRoundsCornersAndEndsOnTheLastPoint) {
   corner[0] += 0.1;
   std::vector<double> end = corner;
   end[1] += 0.1;
-  ASSERT_EQ(state("moveP", path("[" + poseText(corner) + "," + poseText(end) + "]", "0.1", "0.5")),
-            StateCodes::kOk);
+  ASSERT_EQ(
+      state("moveP", pathParams("[" + poseText(corner) + "," + poseText(end) + "]", "0.1", "0.5")),
+      StateCodes::kOk);
   double closest = 1.0;
   for (int step = 0; step < 300; ++step) {
     clock->Advance(0.01);

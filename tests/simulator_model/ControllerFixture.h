@@ -26,6 +26,13 @@ inline Params moveParams(const std::string& ids, const std::string& positions,
           {"relative", relative}, {"block", "0"}};
 }
 
+inline Params pathParams(const std::string& points, const std::string& velocity,
+                         const std::string& acceleration = "10", const std::string& closed = "0") {
+  return {{"points", points},     {"radius", "[0]"},
+          {"velocity", velocity}, {"acceleration", acceleration},
+          {"interval", "0"},      {"closed", closed}};
+}
+
 // A controller on a manual clock, talked to in the client's own parameter texts.
 class ControllerFixture : public ::testing::Test {
 protected:

@@ -125,12 +125,7 @@ TEST_F(Motion, AReleasedMotorIsLimpAndRefusesMovesUntilHeld) {
   EXPECT_EQ(query("get_current", motors(kOne)), (std::vector<double>{0.0}));
   EXPECT_EQ(state("move_to_angles", moveParams(kOne, "[0.0]", "20.0", "40.0")),
             StateCodes::kMotorReleased);
-  EXPECT_EQ(state("moveJ", {{"points", "[]"},
-                            {"velocity", "10"},
-                            {"acceleration", "10"},
-                            {"interval", "0"},
-                            {"closed", "0"}}),
-            StateCodes::kMotorReleased);
+  EXPECT_EQ(state("moveJ", pathParams("[]", "10")), StateCodes::kMotorReleased);
   EXPECT_EQ(state("hold", motors(kOne)), StateCodes::kOk);
   EXPECT_GT(query("get_current", motors(kOne))[0], 0.0);
   EXPECT_EQ(state("move_to_angles", moveParams(kOne, "[0.0]", "20.0", "40.0")), StateCodes::kOk);

@@ -15,11 +15,6 @@ Params ToolMove(const std::string& pose, const std::string& velocity,
           {"block", "0"}};
 }
 
-Params Path(const std::string& points, const std::string& velocity) {
-  return {{"points", points},     {"radius", "[0,0]"}, {"velocity", velocity},
-          {"acceleration", "10"}, {"interval", "0"},   {"closed", "0"}};
-}
-
 struct Refusal {
   const char* name;
   Params params;
@@ -55,17 +50,18 @@ TEST_F(Session, BadRequestsGetTheirCodeAndChangeNothing) {
   expectCodes({
       {"inverse", {{"position", far}}, unreachable},
       {"move_to_position", ToolMove(far, "0.1", "1"), unreachable},
-      {"moveJ", Path("[" + far + "]", "30"), unreachable},
+      {"moveJ", pathParams("[" + far + "]", "30"), unreachable},
       {"move_to_angles", moveParams(one, "[10]", "180.5", "100"), bad},  // joint speed ceiling
       {"move_to_angles", moveParams(one, "[10]", "100", "2300"), bad},   // joint acceleration
-      {"moveJ", Path("[]", "181"), bad},
+      {"moveJ", pathParams("[]", "181"), bad},
       {"move_to_position", ToolMove(low, "1.01", "1"), bad},   // tool speed
       {"move_to_position", ToolMove(low, "0.1", "151"), bad},  // tool acceleration
-      {"moveL", Path(across, "1.5"), bad},
+      {"moveL", pathParams(across, "1.5"), bad},
       {"move_to_angles", moveParams(R"(["2"])", "[40]", "30", "60"), unreachable},  // elbow too low
       {"move_to_angles", moveParams(R"(["3"])", "[165]", "30", "60"), unreachable},  // elbow folded
       {"move_to_position", ToolMove(low, "0.1", "1"), unreachable},  // tool below the floor
-      {"moveL", Path(across, "1.0"), unreachable},  // the base joint past 180 deg/s near the base
+      {"moveL", pathParams(across, "1.0"),
+       unreachable},  // the base joint past 180 deg/s near the base
       {"get_angles", motors(R"(["7"])"), StateCodes::kUnknownMotor},
       {"hold", motors(R"(["0"])"), StateCodes::kUnknownMotor},
       {"get_input", motors(R"(["11"])"), StateCodes::kUnknownMotor},
@@ -90,7 +86,7 @@ TEST_F(Session, BadRequestsGetTheirCodeAndChangeNothing) {
   EXPECT_EQ(query("get_velocity", motors(R"(["1","2","3","4","5","6"])")),
             std::vector<double>(6, 0.0));
   EXPECT_EQ(call("get_input", motors(R"(["2"])")).result1, "[1]");
-  EXPECT_EQ(state("moveL", Path(across, "0.1")), StateCodes::kOk) << "the same, slower";
+  EXPECT_EQ(state("moveL", pathParams(across, "0.1")), StateCodes::kOk) << "the same, slower";
 }
 
 TEST(LimitOptions, TheFloorAndTheFoldingRuleCanBeMovedOrSwitchedOff) {
