@@ -17,7 +17,7 @@ TEST_F(DriverTest, WaitsForAControllerThatStartsLater) {
   ASSERT_TRUE(last && !last->status.empty());
   const auto& status = last->status[0];
   EXPECT_NE(status.message.find("joint states paused"), std::string::npos) << status.message;
-  EXPECT_EQ(jointStates->Count(), 0U);
+  EXPECT_EQ(jointStates->Messages().size(), 0U);
 
   StartSimulator(port);
   ASSERT_TRUE(jointStates->WaitFor(1, seconds(10)));
@@ -45,7 +45,7 @@ TEST_F(DriverTest, RidesOutAControllerRestart) {
   EXPECT_EQ(refused.State(), TerminalState::REJECTED);
   EXPECT_NE(refused.Outcome().error_string.find("not connected"), std::string::npos)
       << refused.Outcome().error_string;
-  EXPECT_EQ(jointStates->Count(), 0U);
+  EXPECT_EQ(jointStates->Messages().size(), 0U);
 
   StartSimulator(port);
   ASSERT_TRUE(jointStates->WaitFor(1, seconds(10)));
