@@ -13,9 +13,8 @@ import rosgraph
 
 
 def free_port():
-    """A port on 127.0.0.1 that was free a moment ago, below the kernel's ephemeral range
-    (32768 and up): a client that keeps connecting to a closed port of that range, as the driver
-    does before its controller listens, may be given that port as its own and connect to itself."""
+    """A port on 127.0.0.1 that was free a moment ago, below the ephemeral range: see FreePort
+    in harness/ChildProcess.cpp for why."""
     for _ in range(100):
         port = random.randint(20000, 32000)
         with socket.socket() as probe:

@@ -2,6 +2,7 @@ import csv
 import gc
 import math
 import threading
+import time
 
 import pytest
 import tavclient
@@ -12,21 +13,13 @@ START = [0.0, -90.0, 90.0, -90.0, -90.0, 0.0]
 
 
 def wait_for(monitor, condition, timeout=5.0):
-    """Waits, through a subscription, for a sample that satisfies condition."""
-    seen = threading.Event()
-    found = []
-
-    def check(sample):
-        if not seen.is_set() and condition(sample):
-            found.append(sample)
-            seen.set()
-
-    handle = monitor.subscribe(check)
-    try:
-        assert seen.wait(timeout), "no such sample"
-    finally:
-        monitor.unsubscribe(handle)
-    return found[0]
+    """The first sample from now on that satisfies condition."""
+    deadline = time.monotonic() + timeout
+    while time.monotonic() < deadline:
+        sample = monitor.wait_next(timeout)
+        if sample is not None and condition(sample):
+            return sample
+    raise AssertionError("no such sample")
 
 
 def smooth_path(seconds, count, reach=(20.0, 10.0, -15.0, 15.0, 10.0, 30.0)):

@@ -17,11 +17,10 @@
 #include "StateMonitor.h"
 #include "TrajectoryFollower.h"
 #include "server/SimulatorServer.h"
+#include "stream/MonitorFixture.h"
 #include "support/SampleWaiter.h"
 
 namespace tavtest {
-
-inline const Setup_Param kChannel{"can0", "can", "canopen", 1, 500000};
 
 // The simulator's arm at rest where it starts, and how far a smooth test path takes each joint.
 inline const std::vector<double> kStart{0.0, -90.0, 90.0, -90.0, -90.0, 0.0};
@@ -51,8 +50,9 @@ inline tavclient::JointTrajectory SmoothPath(double seconds, int count, double s
 class FollowerFixture : public ::testing::Test {
 protected:
   void SetUp() override {
-    ASSERT_EQ(robot->Connect("127.0.0.1", simulator.Port(), "arm", kChannel, Setup_Mode::Virtual),
-              0);
+    ASSERT_EQ(
+        robot->Connect("127.0.0.1", simulator.Port(), "arm", kMonitorChannel, Setup_Mode::Virtual),
+        0);
     ASSERT_EQ(monitor->Start(), 0);
     FreshSample();
   }
@@ -66,9 +66,7 @@ protected:
   // Waits for a sample taken after this call, with fresh angles.
   void FreshSample() {
     tavtest::SampleWaiter waiter(*monitor);
-    ASSERT_TRUE(waiter.WaitFor([](const tavclient::StateSample& sample) {
-      return tavclient::Has(sample.fresh, tavclient::StateField::Angles);
-    }));
+    ASSERT_TRUE(waiter.WaitFor(Fresh));
   }
 
   // How many commands of `name` the simulator has been sent.

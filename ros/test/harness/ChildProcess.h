@@ -22,8 +22,6 @@ public:
   void Signal(int number);
   // Waits until the child has ended; false when it still runs after `wait`. Reaps it.
   bool WaitExit(std::chrono::milliseconds wait);
-  bool Running() const { return pid > 0; }
-  pid_t Pid() const { return pid; }
   // The child's wait status once it has ended.
   int Status() const { return status; }
 

@@ -1,7 +1,5 @@
 #include "GoalTracker.h"
 
-#include <cmath>
-
 namespace tavrostest {
 
 // The handle is set once here; actionlib guards its own state, so calls on it take no lock of
@@ -24,9 +22,6 @@ GoalTracker::GoalTracker(ActionClient& client, const Goal& goal) {
           std::lock_guard<std::mutex> feedbackLock(mutex);
           ++feedbacks;
           lastFeedback = *feedback;
-          for (double error : feedback->error.positions) {
-            maxError = std::max(maxError, std::fabs(error));
-          }
         }
         changed.notify_all();
       });
@@ -64,11 +59,6 @@ std::size_t GoalTracker::Feedbacks() {
 tavclient_ros::FollowJointTrajectoryFeedback GoalTracker::LastFeedback() {
   std::lock_guard<std::mutex> lock(mutex);
   return lastFeedback;
-}
-
-double GoalTracker::MaxFeedbackError() {
-  std::lock_guard<std::mutex> lock(mutex);
-  return maxError;
 }
 
 }  // namespace tavrostest

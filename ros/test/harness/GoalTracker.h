@@ -32,8 +32,6 @@ public:
   actionlib::TerminalState::StateEnum State();
   Result Outcome();
   std::size_t Feedbacks();
-  // The largest |error| of any joint in any feedback, radians.
-  double MaxFeedbackError();
   tavclient_ros::FollowJointTrajectoryFeedback LastFeedback();
 
 private:
@@ -42,7 +40,6 @@ private:
   ActionClient::GoalHandle handle;
   bool done = false;
   std::size_t feedbacks = 0;
-  double maxError = 0.0;
   tavclient_ros::FollowJointTrajectoryFeedback lastFeedback;
 };
 

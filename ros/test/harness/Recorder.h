@@ -51,10 +51,6 @@ public:
     std::lock_guard<std::mutex> lock(mutex);
     return messages;
   }
-  std::size_t Count() {
-    std::lock_guard<std::mutex> lock(mutex);
-    return messages.size();
-  }
   Pointer Last() {
     std::lock_guard<std::mutex> lock(mutex);
     return messages.empty() ? Pointer() : messages.back();

@@ -50,7 +50,8 @@ void DriverTest::StartConnected() {
   ASSERT_TRUE(WaitConnected(true, std::chrono::seconds(10)));
 }
 
-bool DriverTest::WaitConnected(bool connected, std::chrono::milliseconds wait) {
+Recorder<diagnostic_msgs::DiagnosticArray>::Pointer DriverTest::WaitConnected(
+    bool connected, std::chrono::milliseconds wait) {
   const std::string wanted = connected ? "true" : "false";
   diagnostics->Clear();
   return diagnostics->WaitUntil(wait, [&](const diagnostic_msgs::DiagnosticArray& array) {
@@ -62,7 +63,7 @@ bool DriverTest::WaitConnected(bool connected, std::chrono::milliseconds wait) {
       }
     }
     return false;
-  }) != nullptr;
+  });
 }
 
 std::vector<std::string> DriverTest::JointNames(int count) {

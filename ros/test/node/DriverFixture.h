@@ -38,8 +38,10 @@ protected:
   void ConnectRobot();
   // A simulator, the driver for it connected with its action served, and the test's Robot.
   void StartConnected();
-  // Waits until the driver's diagnostics, from now on, say `connected`.
-  bool WaitConnected(bool connected, std::chrono::milliseconds wait);
+  // Waits until the driver's diagnostics, from now on, say `connected`: the first that does, or
+  // null.
+  Recorder<diagnostic_msgs::DiagnosticArray>::Pointer WaitConnected(bool connected,
+                                                                    std::chrono::milliseconds wait);
   // The joint names with the prefix: joint_1 ... joint_<count>.
   static std::vector<std::string> JointNames(int count = 6);
   // A goal through `points`, each {seconds, radians of joints 1..6}.

@@ -1,36 +1,25 @@
 #include <signal.h>
 #include <sys/wait.h>
 
-#include <cmath>
-
 #include "DriverFixture.h"
 
 namespace tavrostest {
 namespace {
 
 using actionlib::TerminalState;
-using std::chrono::milliseconds;
 using std::chrono::seconds;
-using Clock = std::chrono::steady_clock;
-
-double SecondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 TEST_F(DriverTest, WaitsForAControllerThatStartsLater) {
   const int port = FreePort();
   StartDriver(port);
-  ASSERT_TRUE(WaitConnected(false, seconds(10)));
-  const auto last = diagnostics->Last();
-  ASSERT_TRUE(last && !last->status.empty());
-  const auto& status = last->status[0];
+  const auto waiting = WaitConnected(false, seconds(10));
+  ASSERT_TRUE(waiting && !waiting->status.empty());
+  const auto& status = waiting->status[0];
   EXPECT_NE(status.message.find("joint states paused"), std::string::npos) << status.message;
-  EXPECT_EQ(jointStates->Count(), 0U);
+  EXPECT_EQ(jointStates->Messages().size(), 0U);
 
   StartSimulator(port);
-  const auto started = Clock::now();
   ASSERT_TRUE(jointStates->WaitFor(1, seconds(10)));
-  RecordProperty("first_joint_state_s", std::to_string(SecondsSince(started)));
 }
 
 TEST_F(DriverTest, EndsAtOnceOnAParameterThatCannotWork) {
@@ -47,20 +36,24 @@ TEST_F(DriverTest, RidesOutAControllerRestart) {
   ASSERT_TRUE(action->waitForActionServerToStart(ros::Duration(10)));
 
   simulator->Kill();
-  ASSERT_TRUE(WaitConnected(false, seconds(10)));
-  // Nothing stale: from the moment the loss is known no joint state goes out.
+  const auto lost = WaitConnected(false, seconds(10));
+  ASSERT_TRUE(lost);
+  // Nothing stale: no joint state read after the loss was known. One read before may still be
+  // on its way, as topics do not keep each other's order: the stamps tell.
   jointStates->Clear();
   GoalTracker refused(*action, MakeGoal({{1.0, std::vector<double>(6, 0.0)}}));
   ASSERT_TRUE(refused.WaitDone(seconds(10)));
   EXPECT_EQ(refused.State(), TerminalState::REJECTED);
   EXPECT_NE(refused.Outcome().error_string.find("not connected"), std::string::npos)
       << refused.Outcome().error_string;
-  EXPECT_EQ(jointStates->Count(), 0U);
+  // Through the next diagnostics (a second later), nothing read while the loss was known.
+  ASSERT_TRUE(WaitConnected(false, seconds(10)));
+  for (const auto& state : jointStates->Messages()) {
+    EXPECT_LT(state->header.stamp, lost->header.stamp);
+  }
 
   StartSimulator(port);
-  const auto restarted = Clock::now();
   ASSERT_TRUE(jointStates->WaitFor(1, seconds(10)));
-  RecordProperty("republished_after_s", std::to_string(SecondsSince(restarted)));
   // A fresh controller starts with its arm at zero: the state is the new one.
   ConnectRobot();
   const auto fresh = jointStates->Last();
@@ -76,10 +69,8 @@ TEST_F(DriverTest, SigintBrakesTheTrajectoryAndEndsTheNode) {
   GoalTracker tracker(*action, MakeGoal({{4.0, far}}));
   ASSERT_TRUE(tracker.WaitFeedback(40, seconds(10)));
 
-  const auto interrupted = Clock::now();
   driver->Signal(SIGINT);
   ASSERT_TRUE(driver->WaitExit(seconds(5)));
-  RecordProperty("exit_after_sigint_s", std::to_string(SecondsSince(interrupted)));
   EXPECT_TRUE(WIFEXITED(driver->Status()) && WEXITSTATUS(driver->Status()) == 0);
   ASSERT_EQ(robot.wait_for_motors(), 0);
   EXPECT_LT(Angles()[0], far[0] - Radians(20)) << "braked, not carried on to the goal";

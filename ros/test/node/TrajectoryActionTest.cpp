@@ -1,7 +1,5 @@
 #include <std_srvs/Trigger.h>
 
-#include <cmath>
-
 #include "DriverFixture.h"
 
 namespace tavrostest {
@@ -28,13 +26,6 @@ protected:
     }
     return MakeGoal({{duration / 2, middle}, {duration, end}});
   }
-
-  static void ExpectRefused(GoalTracker& tracker, int code) {
-    ASSERT_TRUE(tracker.WaitDone(seconds(10)));
-    EXPECT_EQ(tracker.State(), TerminalState::REJECTED);
-    EXPECT_EQ(tracker.Outcome().error_code, code);
-    EXPECT_FALSE(tracker.Outcome().error_string.empty());
-  }
 };
 
 TEST_F(TrajectoryActionTest, FollowsATrajectoryWithFeedbackEveryCycle) {
@@ -50,7 +41,6 @@ TEST_F(TrajectoryActionTest, FollowsATrajectoryWithFeedbackEveryCycle) {
   // One feedback per set-point, 250 over the 2 s at 125 Hz; a loaded machine (a sanitizer
   // build) skips cycles and drops some on the way, but never comes down to a handful.
   EXPECT_GT(tracker.Feedbacks(), 25U);
-  RecordProperty("max_tracking_error_rad", std::to_string(tracker.MaxFeedbackError()));
   const auto last = tracker.LastFeedback();
   EXPECT_EQ(last.joint_names, goal.trajectory.joint_names);
   ASSERT_EQ(last.desired.positions.size(), 6U);
@@ -100,34 +90,25 @@ TEST_F(TrajectoryActionTest, ANewGoalReplacesTheRunningOne) {
 }
 
 TEST_F(TrajectoryActionTest, RefusesGoalsItCannotFollow) {
+  // One of each way to refuse: a name the arm does not have, a point its names do not fit, and
+  // a move beyond the arm's limits. Every other bad name or point is refused on the same paths.
   const std::vector<double> here = Angles();
-  Goal unknown = MakeGoal({{1.0, here}});
-  unknown.trajectory.joint_names[5] = std::string(kPrefix) + "joint_7";
-  GoalTracker unknownTracker(*action, unknown);
-  ExpectRefused(unknownTracker, Result::INVALID_JOINTS);
-
-  Goal otherArm = MakeGoal({{1.0, here}});
-  otherArm.trajectory.joint_names[0] = "right_joint_1";
-  GoalTracker otherArmTracker(*action, otherArm);
-  ExpectRefused(otherArmTracker, Result::INVALID_JOINTS);
-
-  Goal twice = MakeGoal({{1.0, here}});
-  twice.trajectory.joint_names[1] = twice.trajectory.joint_names[0];
-  GoalTracker twiceTracker(*action, twice);
-  ExpectRefused(twiceTracker, Result::INVALID_JOINTS);
-
-  Goal backwards = MakeGoal({{1.0, here}, {0.5, here}});
-  GoalTracker backwardsTracker(*action, backwards);
-  ExpectRefused(backwardsTracker, Result::INVALID_GOAL);
-
-  Goal short_ = MakeGoal({{1.0, {here.begin(), here.begin() + 5}}});
-  GoalTracker shortTracker(*action, short_);
-  ExpectRefused(shortTracker, Result::INVALID_GOAL);
-
   std::vector<double> far = here;
   far[0] += Radians(90);
-  GoalTracker tooFastTracker(*action, MakeGoal({{0.05, far}}));
-  ExpectRefused(tooFastTracker, Result::INVALID_GOAL);
+  Goal unknown = MakeGoal({{1.0, here}});
+  unknown.trajectory.joint_names[5] = std::string(kPrefix) + "joint_7";
+  const std::pair<Goal, int> cases[] = {
+      {unknown, Result::INVALID_JOINTS},
+      {MakeGoal({{1.0, {here.begin(), here.begin() + 5}}}), Result::INVALID_GOAL},
+      {MakeGoal({{0.05, far}}), Result::INVALID_GOAL},
+  };
+  for (const auto& [goal, code] : cases) {
+    GoalTracker tracker(*action, goal);
+    ASSERT_TRUE(tracker.WaitDone(seconds(10)));
+    EXPECT_EQ(tracker.State(), TerminalState::REJECTED);
+    EXPECT_EQ(tracker.Outcome().error_code, code);
+    EXPECT_FALSE(tracker.Outcome().error_string.empty());
+  }
 }
 
 TEST_F(TrajectoryActionTest, AbortsWhenThePathToleranceIsExceeded) {
