@@ -31,16 +31,18 @@ bool SessionKeeper::EndsSession(int code) {
 }
 
 void SessionKeeper::Start() {
-  std::lock_guard<std::mutex> lock(state->mutex);
   if (thread.joinable()) {
     return;
   }
-  state->stopping = false;
-  state->failed = true;
+  // The callback is registered before the state's lock is taken: the Robot calls it under its
+  // own lock, and the callback takes the state's.
   Robot& arm = robot->Get();
   arm.SetReplyTimeout(settings.replyTimeout);
   arm.SetHeartbeat(settings.heartbeatPeriod, settings.silenceLimit);
   arm.SetEventCallback([shared = state](int code) { shared->Report(code); });
+  std::lock_guard<std::mutex> lock(state->mutex);
+  state->stopping = false;
+  state->failed = true;
   thread = std::thread([this] { _run(); });
 }
 
