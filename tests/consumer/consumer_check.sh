@@ -76,8 +76,10 @@ for deb in "$work"/debs/*.deb; do
   dpkg-deb -x "$deb" "$root"
 done
 packages=$(for deb in "$work"/debs/*.deb; do dpkg-deb -f "$deb" Package; done | sort | xargs)
-expected="libtavclient-dev libtavclient0 tavsim"
-[ -d "$build/python-module" ] && expected="libtavclient-dev libtavclient0 python3-tavclient tavsim"
+expected="libtavclient-dev libtavclient0"
+[ -d "$build/python-module" ] && expected+=" python3-tavclient"
+[ -f "$build/ros/setup.sh" ] && expected+=" tavclient-ros"
+expected+=" tavsim"
 [ "$packages" = "$expected" ] || fail "packages built: $packages; expected: $expected"
 dpkg-deb -f "$work"/debs/libtavclient-dev_*.deb Depends | grep -q 'libtavclient0 (= ' ||
   fail "libtavclient-dev does not depend on its libtavclient0"
