@@ -11,6 +11,7 @@ import math
 import sys
 
 import tavclient
+from example_target import connected_robot
 
 SECONDS = 4.0  # the trajectory's length
 POINTS = 40
@@ -31,15 +32,8 @@ def smooth_trajectory(start):
 
 def main(argv):
     with contextlib.ExitStack() as stack:
-        if len(argv) == 2:
-            host, port, mode = argv[0], int(argv[1]), tavclient.Setup_Mode.Real
-        else:
-            simulator = stack.enter_context(tavclient.Simulator())
-            host, port, mode = "127.0.0.1", simulator.port, tavclient.Setup_Mode.Virtual
-        robot = stack.enter_context(tavclient.Robot())  # leaving the block logs out
         try:
-            robot.RobotLogin(host, port)
-            robot.Setup("arm", ("can0", "can", "canopen", 1, 500000), mode)
+            robot = connected_robot(stack, argv)  # leaving the block logs out
             start = robot.get_angles()[:6]
         except tavclient.RobotError as error:
             print(f"failed with code {error.code}: {error.text}")

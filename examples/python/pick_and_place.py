@@ -8,6 +8,7 @@ import contextlib
 import sys
 
 import tavclient
+from example_target import connected_robot
 from tavclient import Pose, Relative_Mode
 
 
@@ -37,15 +38,8 @@ def pick_and_place(robot):
 
 def main(argv):
     with contextlib.ExitStack() as stack:
-        if len(argv) == 2:
-            host, port, mode = argv[0], int(argv[1]), tavclient.Setup_Mode.Real
-        else:
-            simulator = stack.enter_context(tavclient.Simulator())
-            host, port, mode = "127.0.0.1", simulator.port, tavclient.Setup_Mode.Virtual
-        robot = stack.enter_context(tavclient.Robot())
         try:
-            robot.RobotLogin(host, port)
-            robot.Setup("arm", ("can0", "can", "canopen", 1, 500000), mode)
+            robot = connected_robot(stack, argv)  # leaving the block logs out
             pick_and_place(robot)
         except tavclient.RobotError as error:
             print(f"failed with code {error.code}: {error.text}")
