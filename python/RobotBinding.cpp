@@ -52,6 +52,13 @@ void Run(Call&& call) {
   Check(code);
 }
 
+// A command runs beside other commands but never during RobotLogin or Setup, which replace the
+// session and the motor ids it reads: Python threads may then call anything at any time.
+template <typename Command>
+void RunCommand(RobotSession& s, Command&& command) {
+  Run([&] { return s.Shared()->Use(command); });
+}
+
 void SameLength(std::size_t first, std::size_t second, const char* what) {
   if (first != second) {
     throw py::value_error(std::string(what) + ": lists of different lengths (" +
@@ -64,16 +71,18 @@ void BindMotorCommand(Binding& robot, const char* name, int (Robot::*one)(int),
                       int (Robot::*some)(unsigned long, const int*), int (Robot::*all)(),
                       const char* doc) {
   robot.def(
-      name, [one](RobotSession& s, int id) { Run([&] { return (s.Get().*one)(id); }); },
+      name,
+      [one](RobotSession& s, int id) { RunCommand(s, [&](Robot& arm) { return (arm.*one)(id); }); },
       "motor_id"_a, doc);
   robot.def(
       name,
       [some](RobotSession& s, const Ids& ids) {
-        Run([&] { return (s.Get().*some)(ids.size(), ids.data()); });
+        RunCommand(s, [&](Robot& arm) { return (arm.*some)(ids.size(), ids.data()); });
       },
       "motor_ids"_a, doc);
   robot.def(
-      name, [all](RobotSession& s) { Run([&] { return (s.Get().*all)(); }); }, doc);
+      name, [all](RobotSession& s) { RunCommand(s, [&](Robot& arm) { return (arm.*all)(); }); },
+      doc);
 }
 
 // A query on one id (one value back), a list of ids, or the cached motor ids (lists back).
@@ -85,7 +94,7 @@ void BindQuery(Binding& robot, const char* name, int (Robot::*one)(int, Value&),
       name,
       [one](RobotSession& s, int id) {
         Value value{};
-        Run([&] { return (s.Get().*one)(id, value); });
+        RunCommand(s, [&](Robot& arm) { return (arm.*one)(id, value); });
         return value;
       },
       "motor_id"_a, doc);
@@ -93,7 +102,7 @@ void BindQuery(Binding& robot, const char* name, int (Robot::*one)(int, Value&),
       name,
       [some](RobotSession& s, const Ids& ids) {
         std::vector<Value> values;
-        Run([&] { return (s.Get().*some)(ids.size(), ids.data(), values); });
+        RunCommand(s, [&](Robot& arm) { return (arm.*some)(ids.size(), ids.data(), values); });
         return values;
       },
       "motor_ids"_a, doc);
@@ -101,7 +110,7 @@ void BindQuery(Binding& robot, const char* name, int (Robot::*one)(int, Value&),
       name,
       [all](RobotSession& s) {
         std::vector<Value> values;
-        Run([&] { return (s.Get().*all)(values); });
+        RunCommand(s, [&](Robot& arm) { return (arm.*all)(values); });
         return values;
       },
       doc);
@@ -183,13 +192,17 @@ void BindSession(Binding& robot) {
           "Configures the channel towards the motors (a Setup_Param or a 5-tuple), powers and "
           "holds every motor and caches the motor ids.")
       .def(
-          "_getMotorIds", [](RobotSession& s) { Run([&] { return s.Get()._getMotorIds(); }); },
+          "_getMotorIds",
+          [](RobotSession& s) {
+            // Alone, as Setup: it rewrites the motor ids.
+            Run([&] { return s.Shared()->Alone([](Robot& arm) { return arm._getMotorIds(); }); });
+          },
           "Asks the controller for its motor ids and caches them.")
       .def(
           "get_motor_ids",
           [](RobotSession& s) {
             Ids ids;
-            Run([&] { return s.Get().get_motor_ids(ids); });
+            RunCommand(s, [&](Robot& arm) { return arm.get_motor_ids(ids); });
             return ids;
           },
           "The cached motor ids.")
@@ -240,7 +253,8 @@ void BindStateCommands(Binding& robot) {
     const auto command = commands[i].second;
     robot.def(
         commands[i].first,
-        [command](RobotSession& s) { Run([&] { return (s.Get().*command)(); }); }, docs[i]);
+        [command](RobotSession& s) { RunCommand(s, [&](Robot& arm) { return (arm.*command)(); }); },
+        docs[i]);
   }
 }
 
@@ -250,7 +264,9 @@ void BindMotion(Binding& robot) {
           "move_to_angles",
           [](RobotSession& s, int id, double position, float velocity, float acceleration,
              Relative_Mode mode) {
-            Run([&] { return s.Get().move_to_angles(id, position, velocity, acceleration, mode); });
+            RunCommand(s, [&](Robot& arm) {
+              return arm.move_to_angles(id, position, velocity, acceleration, mode);
+            });
           },
           "motor_id"_a, "position"_a, "velocity"_a, "acceleration"_a, "mode"_a,
           "Moves joints to positions in degrees at velocity deg/s and acceleration deg/s^2.")
@@ -259,9 +275,9 @@ void BindMotion(Binding& robot) {
           [](RobotSession& s, const Ids& ids, const Reals& positions, float velocity,
              float acceleration, Relative_Mode mode) {
             SameLength(ids.size(), positions.size(), "move_to_angles");
-            Run([&] {
-              return s.Get().move_to_angles(ids.size(), ids.data(), positions.data(), velocity,
-                                            acceleration, mode);
+            RunCommand(s, [&](Robot& arm) {
+              return arm.move_to_angles(ids.size(), ids.data(), positions.data(), velocity,
+                                        acceleration, mode);
             });
           },
           "motor_ids"_a, "positions"_a, "velocity"_a, "acceleration"_a, "mode"_a,
@@ -270,9 +286,9 @@ void BindMotion(Binding& robot) {
           "moveJ",
           [](RobotSession& s, Poses points, float velocity, float acceleration, float interval,
              Traj_Close_Mode closed) {
-            Run([&] {
-              return s.Get().moveJ(points.size(), points.data(), velocity, acceleration, interval,
-                                   closed);
+            RunCommand(s, [&](Robot& arm) {
+              return arm.moveJ(points.size(), points.data(), velocity, acceleration, interval,
+                               closed);
             });
           },
           "points"_a, "velocity"_a, "acceleration"_a, "interval"_a, "closed"_a,
@@ -288,9 +304,9 @@ void BindMotion(Binding& robot) {
               SameLength(radius.size(), isClosed ? points.size() - 2 : points.size(),
                          "moveL radius (one per point, n - 2 when closed)");
             }
-            Run([&] {
-              return s.Get().moveL(points.size(), points.data(), radius.data(), velocity,
-                                   acceleration, interval, closed);
+            RunCommand(s, [&](Robot& arm) {
+              return arm.moveL(points.size(), points.data(), radius.data(), velocity, acceleration,
+                               interval, closed);
             });
           },
           "points"_a, "radius"_a, "velocity"_a, "acceleration"_a, "interval"_a, "closed"_a,
@@ -300,9 +316,9 @@ void BindMotion(Binding& robot) {
           "moveP",
           [](RobotSession& s, Poses points, float velocity, float acceleration, float interval,
              Traj_Close_Mode closed) {
-            Run([&] {
-              return s.Get().moveP(points.size(), points.data(), velocity, acceleration, interval,
-                                   closed);
+            RunCommand(s, [&](Robot& arm) {
+              return arm.moveP(points.size(), points.data(), velocity, acceleration, interval,
+                               closed);
             });
           },
           "points"_a, "velocity"_a, "acceleration"_a, "interval"_a, "closed"_a,
@@ -311,7 +327,9 @@ void BindMotion(Binding& robot) {
           "move_to_pose",
           [](RobotSession& s, const _Pose& pose, float velocity, float acceleration,
              Relative_Mode mode) {
-            Run([&] { return s.Get().move_to_pose(pose, velocity, acceleration, mode); });
+            RunCommand(s, [&](Robot& arm) {
+              return arm.move_to_pose(pose, velocity, acceleration, mode);
+            });
           },
           "pose"_a, "velocity"_a, "acceleration"_a, "mode"_a,
           "One straight tool line to pose; velocity m/s, acceleration m/s^2.");
@@ -328,20 +346,23 @@ void BindMotorsAndTool(Binding& robot) {
       .def(
           "set_output",
           [](RobotSession& s, int id, int signal) {
-            Run([&] { return s.Get().set_output(id, signal); });
+            RunCommand(s, [&](Robot& arm) { return arm.set_output(id, signal); });
           },
           "id"_a, "signal"_a, "Sets digital outputs to 0 or 1.")
       .def(
           "set_output",
           [](RobotSession& s, const Ids& ids, const Ids& signals) {
             SameLength(ids.size(), signals.size(), "set_output");
-            Run([&] { return s.Get().set_output(ids.size(), ids.data(), signals.data()); });
+            RunCommand(s, [&](Robot& arm) {
+              return arm.set_output(ids.size(), ids.data(), signals.data());
+            });
           },
           "ids"_a, "signals"_a, "Sets digital outputs to 0 or 1.")
       .def(
           "set_EOAT_action",
           [](RobotSession& s, const std::string& name, const std::string& action) {
-            Run([&] { return s.Get().set_EOAT_action(name.c_str(), action.c_str()); });
+            RunCommand(
+                s, [&](Robot& arm) { return arm.set_EOAT_action(name.c_str(), action.c_str()); });
           },
           "name"_a, "action"_a, "Starts a tool action, e.g. ('gripper', 'close').");
 }
@@ -360,23 +381,26 @@ void BindQueries(Binding& robot) {
           "get_pose",
           [](RobotSession& s) {
             _Pose pose;
-            Run([&] { return s.Get().get_pose(pose); });
+            RunCommand(s, [&](Robot& arm) { return arm.get_pose(pose); });
             return pose;
           },
           "The tool pose now (metres, radians).")
       .def(
           "forward",
           [](RobotSession& s, const Reals& angles) {
+            // The library reads one angle per cached motor id; a Setup cannot change their
+            // number between the count and the call.
             Ids ids;
-            s.Get().get_motor_ids(ids);
-            // The library reads one angle per cached motor id.
+            _Pose pose;
+            RunCommand(s, [&](Robot& arm) {
+              arm.get_motor_ids(ids);
+              return angles.size() < ids.size() ? 0 : arm.forward(angles.data(), pose);
+            });
             if (angles.size() < ids.size()) {
               throw py::value_error("forward: expected an angle per motor (" +
                                     std::to_string(ids.size()) + "), got " +
                                     std::to_string(angles.size()));
             }
-            _Pose pose;
-            Run([&] { return s.Get().forward(angles.data(), pose); });
             return pose;
           },
           "angles"_a, "The tool pose for joint angles in degrees.")
@@ -384,7 +408,7 @@ void BindQueries(Binding& robot) {
           "inverse",
           [](RobotSession& s, const _Pose& pose) {
             Reals angles;
-            Run([&] { return s.Get().inverse(pose, angles); });
+            RunCommand(s, [&](Robot& arm) { return arm.inverse(pose, angles); });
             return angles;
           },
           "pose"_a, "Joint angles in degrees that reach pose.");

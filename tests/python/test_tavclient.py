@@ -103,6 +103,18 @@ def test_logout_from_another_thread_releases_a_waiting_call(robot, simulator):
     assert outcome == [1002011]
 
 
+def test_a_command_on_another_thread_waits_for_setup_to_learn_the_motors(simulator, new_robot):
+    simulator.add_fault("delay,on=get_motor_ids,ms=300")
+    with new_robot() as robot:
+        robot.RobotLogin("127.0.0.1", simulator.port)
+        setting_up = threading.Thread(target=robot.Setup, args=("arm", CHANNEL, Setup_Mode.Virtual))
+        setting_up.start()
+        assert simulator.wait_for_activity("fault: delay 300 ms on get_motor_ids")
+        # Setup is still learning the motor ids: a query of every motor waits for them.
+        assert len(robot.get_angles()) == 6
+        setting_up.join(10)
+
+
 def test_ctrl_c_ends_a_waiting_call_and_the_session_goes_on(robot):
     # A move of about 34 s: the wait for it is still under way when SIGINT comes.
     robot.move_to_angles(1, 170.0, 5.0, 60.0, Relative_Mode.Absolute)
