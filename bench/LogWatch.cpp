@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string>
 #include <system_error>
 #include <thread>
+#include <vector>
 
 namespace bench::LogWatch {
 
@@ -18,47 +18,52 @@ namespace {
 
 constexpr std::chrono::milliseconds kQuietPeriod{50};
 
-// The benchmark's HOME is fresh and a run is far shorter than the hour after which the logger
-// starts a second file, so there is one.
-fs::path LogFile() {
+// The benchmark's HOME is fresh, so every log file there is this run's.
+std::vector<fs::path> LogFiles() {
   const char* home = std::getenv("HOME");
+  std::vector<fs::path> files;
   std::error_code error;
   for (const auto& entry :
        fs::directory_iterator(fs::path(home != nullptr ? home : "") / "TavClient/log", error)) {
     if (entry.path().extension() == ".log") {
-      return entry.path();
+      files.push_back(entry.path());
     }
   }
-  return {};
+  return files;
 }
 
-std::uintmax_t SizeOf(const fs::path& path) {
-  std::error_code error;
-  const std::uintmax_t size = fs::file_size(path, error);
-  return error ? 0 : size;
+std::uintmax_t Bytes() {
+  std::uintmax_t total = 0;
+  for (const fs::path& file : LogFiles()) {
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(file, error);
+    total += error ? 0 : size;
+  }
+  return total;
+}
+
+std::uintmax_t Lines() {
+  std::uintmax_t total = 0;
+  for (const fs::path& file : LogFiles()) {
+    std::ifstream log(file, std::ios::binary);
+    total += static_cast<std::uintmax_t>(
+        std::count(std::istreambuf_iterator<char>(log), std::istreambuf_iterator<char>(), '\n'));
+  }
+  return total;
 }
 
 }  // namespace
 
-std::uintmax_t SettledSize() {
-  const fs::path log = LogFile();
-  std::uintmax_t size = SizeOf(log);
+Extent Settled() {
+  std::uintmax_t bytes = Bytes();
   for (;;) {
     std::this_thread::sleep_for(kQuietPeriod);
-    const std::uintmax_t now = SizeOf(log);
-    if (now == size) {
-      return size;
+    const std::uintmax_t now = Bytes();
+    if (now == bytes) {
+      return {bytes, Lines()};
     }
-    size = now;
+    bytes = now;
   }
-}
-
-std::size_t LinesBetween(std::uintmax_t from, std::uintmax_t to) {
-  std::ifstream log(LogFile(), std::ios::binary);
-  log.seekg(static_cast<std::streamoff>(from));
-  std::string text(static_cast<std::size_t>(to - from), '\0');
-  log.read(text.data(), static_cast<std::streamsize>(text.size()));
-  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
 }  // namespace bench::LogWatch

@@ -1,16 +1,19 @@
 #ifndef TAVBENCH_LOGWATCH_H
 #define TAVBENCH_LOGWATCH_H
 
-#include <cstddef>
 #include <cstdint>
 
-// The library's log file under $HOME/TavClient/log, looked at once the logger has caught up.
+// The library's log files under $HOME/TavClient/log, looked at once the logger has caught up.
+// A long run fills several (a file holds 16 MiB), so they are taken together.
 namespace bench::LogWatch {
 
-// Waits until the log file has stopped growing and returns its size; 0 when there is none.
-std::uintmax_t SettledSize();
-// The line ends between two offsets of that file.
-std::size_t LinesBetween(std::uintmax_t from, std::uintmax_t to);
+struct Extent {
+  std::uintmax_t bytes = 0;
+  std::uintmax_t lines = 0;
+};
+
+// Waits until the log files have stopped growing and returns what they hold.
+Extent Settled();
 
 }  // namespace bench::LogWatch
 

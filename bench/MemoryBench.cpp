@@ -28,7 +28,7 @@ double Growth(std::size_t before, std::size_t after) {
 
 void Memory(benchmark::State& state) {
   Calls(kWarmUpCalls);
-  LogWatch::SettledSize();
+  LogWatch::Settled();
   const std::size_t heap = ProcessMeter::HeapInUse();
   const std::size_t resident = ProcessMeter::ResidentBytes();
   for (auto _ : state) {
@@ -36,7 +36,7 @@ void Memory(benchmark::State& state) {
       state.SkipWithError("get_angles failed");
     }
   }
-  LogWatch::SettledSize();
+  LogWatch::Settled();
   state.counters["heap_growth_bytes"] = Growth(heap, ProcessMeter::HeapInUse());
   state.counters["rss_growth_bytes"] = Growth(resident, ProcessMeter::ResidentBytes());
   state.counters["calls"] = kCalls;

@@ -44,17 +44,17 @@ void UnwrapReply(benchmark::State& state) {
 }
 
 void LogPerCall(benchmark::State& state) {
-  const std::uintmax_t before = LogWatch::SettledSize();
+  const LogWatch::Extent before = LogWatch::Settled();
   double angle = 0;
   for (auto _ : state) {
     if (Pool::RobotAt(0).get_angles(1, angle) != 0) {
       state.SkipWithError("get_angles failed");
     }
   }
-  const std::uintmax_t after = LogWatch::SettledSize();
+  const LogWatch::Extent after = LogWatch::Settled();
   const auto calls = static_cast<double>(state.iterations());
-  state.counters["log_bytes"] = static_cast<double>(after - before) / calls;
-  state.counters["log_lines"] = static_cast<double>(LogWatch::LinesBetween(before, after)) / calls;
+  state.counters["log_bytes"] = static_cast<double>(after.bytes - before.bytes) / calls;
+  state.counters["log_lines"] = static_cast<double>(after.lines - before.lines) / calls;
 }
 
 BENCHMARK(WrapCommand)->Name("wrap_msg")->Apply([](Benchmark* b) { Repeated(b, 0.5); });
